@@ -1,0 +1,462 @@
+#include "configurable/configbuiltin.h"
+
+#include <ctime>
+#include <iomanip>
+#include <istream>
+#include <limits>
+#include <ostream>
+#include <stdexcept>
+
+// --- ConfigurableReal ---
+
+template <> const char* ConfigurableReal<float>::_type_word() { return "float"; }
+template <> const char* ConfigurableReal<double>::_type_word() { return "double"; }
+
+namespace {
+template <class T> const char* range_error_text();
+template <> const char* range_error_text<float>() { return "ConfigurableFloat: range error"; }
+template <> const char* range_error_text<double>() { return "ConfigurableDouble: range error"; }
+}  // namespace
+
+template <class T>
+ConfigurableReal<T>::ConfigurableReal(const std::string& name, T value)
+    : Configurable(name), _value(value), _min(std::numeric_limits<T>::lowest()),
+      _max(std::numeric_limits<T>::max()), _default(value), _mode(RangeMode::NONE)
+{
+}
+
+template <class T>
+ConfigurableReal<T>::ConfigurableReal(const std::string& name, T value, T min, T max, bool throw_on_range)
+    : Configurable(name), _value(value), _min(min), _max(max), _default(value),
+      _mode(throw_on_range ? RangeMode::RANGE_ERROR : RangeMode::CLAMP)
+{
+}
+
+template <class T>
+void ConfigurableReal<T>::set(T value)
+{
+    // The comparisons stand in this order on purpose: with sane limits only NaN throws, and NaN
+    // passes the clamp and is stored.
+    if (_mode == RangeMode::RANGE_ERROR && !(value > _min) && !(value < _max))
+        throw std::range_error(range_error_text<T>());
+    if (_mode != RangeMode::NONE) {
+        if (_min > value)
+            value = _min;
+        else if (value > _max)
+            value = _max;
+    }
+    if (value == _value)
+        return;
+    _value = value;
+    _set_changed(true);
+}
+
+template <class T>
+void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
+{
+    if (in.bad())
+        return;
+    T value;
+    if (in >> value) {
+        set(value);
+        return;
+    }
+    in.clear();
+    in.seekg(0);
+    std::string word;
+    if (!(in >> word)) {
+        err << "unable to read " << _type_word();
+        return;
+    }
+    if (word == "inf")
+        set(std::numeric_limits<T>::infinity());
+    else if (word == "-inf")
+        set(-std::numeric_limits<T>::infinity());
+    else if (word == "nan")
+        set(std::numeric_limits<T>::quiet_NaN());
+    else
+        err << "unable to read " << _type_word();  // reported; the element goes on
+}
+
+template <class T>
+void ConfigurableReal<T>::write(std::ostream& out) const
+{
+    out << _value;
+}
+
+template <class T>
+void ConfigurableReal<T>::write_doctype(std::ostream& out) const
+{
+    out << _type_word() << ':' << _default;
+    if (_mode != RangeMode::NONE)
+        out << ';' << _min << "..." << _max;
+}
+
+template class ConfigurableReal<float>;
+template class ConfigurableReal<double>;
+
+// --- ConfigurableInteger, ConfigurableTimeT ---
+
+ConfigurableInteger::ConfigurableInteger(const std::string& name, int64_t value)
+    : ConfigurableInteger(name, value, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max())
+{
+}
+
+ConfigurableInteger::ConfigurableInteger(const std::string& name, int64_t value, int64_t min)
+    : ConfigurableInteger(name, value, min, std::numeric_limits<int64_t>::max())
+{
+}
+
+ConfigurableInteger::ConfigurableInteger(const std::string& name, int64_t value, int64_t min, int64_t max)
+    : Configurable(name), _value(value), _min(min), _max(max), _default(value)
+{
+}
+
+void ConfigurableInteger::set(int64_t value)
+{
+    if (value < _min)
+        value = _min;
+    else if (value > _max)
+        value = _max;
+    if (value == _value)
+        return;
+    _value = value;
+    _set_changed(true);
+}
+
+void ConfigurableInteger::read(std::istream& in, std::ostream& err)
+{
+    int64_t value;
+    if (in >> value)
+        set(value);
+    else
+        err << "unable to read integer";
+}
+
+void ConfigurableInteger::write(std::ostream& out) const
+{
+    out << _value;
+}
+
+void ConfigurableInteger::write_doctype(std::ostream& out) const
+{
+    out << "integer:" << _default;
+    if (_min != std::numeric_limits<int64_t>::min() || _max != std::numeric_limits<int64_t>::max())
+        out << ';' << _min << "..." << _max;
+}
+
+ConfigurableTimeT::ConfigurableTimeT(const std::string& name, int64_t value)
+    : ConfigurableInteger(name, value, 0)
+{
+}
+
+void ConfigurableTimeT::read(std::istream& in, std::ostream& err)
+{
+    int64_t value;
+    if (!(in >> value)) {
+        err << "unable to read time_t";
+        return;
+    }
+    char c;
+    if (in.get(c) && c == '-') {
+        // A local date and time: the integer was the year.
+        int month, day, hour, minute, second;
+        char sep1, sep2, sep3;
+        if (in >> month >> sep1 >> day >> hour >> sep2 >> minute >> sep3 >> second && sep3 == ':') {
+            std::tm t{};
+            t.tm_year = int(value) - 1900;
+            t.tm_mon = month - 1;
+            t.tm_mday = day;
+            t.tm_hour = hour;
+            t.tm_min = minute;
+            t.tm_sec = second;
+            t.tm_isdst = -1;
+            value = std::mktime(&t);
+        }
+    } else {
+        in.clear();
+    }
+    ConfigurableInteger::set(value);
+}
+
+// --- ConfigurableBool ---
+
+ConfigurableBool::ConfigurableBool(const std::string& name, bool value)
+    : Configurable(name), _value(value), _default(value)
+{
+}
+
+void ConfigurableBool::set(bool value)
+{
+    if (value == _value)
+        return;
+    _value = value;
+    _set_changed(true);
+}
+
+void ConfigurableBool::read(std::istream& in, std::ostream& err)
+{
+    std::string word;
+    if (!(in >> word))
+        err << "unable to read bool";
+    else if (word == "true")
+        set(true);
+    else if (word == "false")
+        set(false);
+    else
+        err << "invalid bool";
+}
+
+void ConfigurableBool::write(std::ostream& out) const
+{
+    out << (_value ? "true" : "false");
+}
+
+void ConfigurableBool::write_doctype(std::ostream& out) const
+{
+    out << "true|false";
+}
+
+// --- ConfigurableString, ConfigurableStringProxyReadOnly ---
+
+ConfigurableString::ConfigurableString(const std::string& name, const std::string& value)
+    : Configurable(name), _value(value), _default(value)
+{
+}
+
+void ConfigurableString::set(const std::string& value)
+{
+    if (value == _value)
+        return;
+    _value = value;
+    _set_changed(true);
+}
+
+void ConfigurableString::read(std::istream& in, std::ostream& err)
+{
+    std::string text;
+    if (std::getline(in, text, '\0'))
+        set(text);
+    else
+        err << "unable to read string\n";
+}
+
+void ConfigurableString::write(std::ostream& out) const
+{
+    out << _value;
+}
+
+void ConfigurableString::write_doctype(std::ostream& out) const
+{
+    out << "string";
+    if (!_default.empty())
+        out << ':' << _default;
+}
+
+ConfigurableStringProxyReadOnly::ConfigurableStringProxyReadOnly(const std::string& name,
+                                                                 const ConfigurableString& target)
+    : Configurable(name), _target(target)
+{
+}
+
+void ConfigurableStringProxyReadOnly::write(std::ostream& out) const
+{
+    out << _target.get();
+}
+
+void ConfigurableStringProxyReadOnly::write_doctype(std::ostream& out) const
+{
+    out << "string";
+}
+
+// --- ConfigurableTimestamp and the time and date leaves ---
+
+namespace {
+
+// Fields of a time or date leaf, each two digits wide unless said; the fill goes back to a blank.
+struct Digits {
+    std::ostream& out;
+    explicit Digits(std::ostream& o) : out(o) { out << std::setfill('0'); }
+    ~Digits() { out << std::setfill(' '); }
+    Digits& operator()(int value, int width = 2)
+    {
+        out << std::setw(width) << value;
+        return *this;
+    }
+    Digits& operator()(char separator)
+    {
+        out << separator;
+        return *this;
+    }
+};
+
+// Reads "int sep int [sep int]" with fixed separators; false if anything is off.
+bool read_fields(std::istream& in, char separator, int* fields, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) {
+            char c;
+            if (!(in >> c) || c != separator)
+                return false;
+        }
+        if (!(in >> fields[i]))
+            return false;
+    }
+    return true;
+}
+
+void fail(std::istream& in, std::ostream& err, const char* text)
+{
+    err << text << '\n';
+    in.setstate(std::ios_base::failbit);
+}
+
+}  // namespace
+
+ConfigurableTimestamp::ConfigurableTimestamp(const std::string& name, const Timestamp& value)
+    : Configurable(name), _value(value), _default(value)
+{
+}
+
+void ConfigurableTimestamp::set(const Timestamp& value)
+{
+    if (value.get() == _value.get())
+        return;
+    _value = value;
+    _set_changed(true);
+}
+
+void ConfigurableTimestamp::read(std::istream& in, std::ostream& err)
+{
+    Timestamp value(0.0);
+    value._read(in);
+    if (in.fail())
+        err << "unable to read Timestamp\n";
+    else
+        set(value);
+}
+
+void ConfigurableTimestamp::write(std::ostream& out) const
+{
+    _value._write(out);
+}
+
+void ConfigurableTimestamp::write_doctype(std::ostream& out) const
+{
+    out << "YYYY-MM-DD HH:MM:SS.SS";
+}
+
+void ConfigurableTime::read(std::istream& in, std::ostream& err)
+{
+    int f[3];
+    if (!read_fields(in, ':', f, 3))
+        return fail(in, err, "unable to read time (should be HH:MM:SS)");
+    set(Timestamp(f[0] * 3600.0 + f[1] * 60.0 + f[2]));
+}
+
+void ConfigurableTime::write(std::ostream& out) const
+{
+    Digits{out}(get().hour())(':')(get().min())(':')(int(get().sec()));
+}
+
+void ConfigurableTime::write_doctype(std::ostream& out) const
+{
+    out << "HH:MM:SS";
+}
+
+void ConfigurableTime_HourMinutes::read(std::istream& in, std::ostream& err)
+{
+    int f[2];
+    if (!read_fields(in, ':', f, 2))
+        return fail(in, err, "unable to read time (should be HH:MM)");
+    set(Timestamp(f[0] * 3600.0 + f[1] * 60.0));
+}
+
+void ConfigurableTime_HourMinutes::write(std::ostream& out) const
+{
+    Digits{out}(get().hour())(':')(get().min());
+}
+
+void ConfigurableTime_HourMinutes::write_doctype(std::ostream& out) const
+{
+    out << "HH:MM";
+}
+
+void ConfigurableDate::read(std::istream& in, std::ostream& err)
+{
+    int f[3];
+    if (!read_fields(in, '-', f, 3))
+        return fail(in, err, "unable to read date (should be YYYY-MM-DD)");
+    set(Timestamp(f[0], f[1], f[2], 0, 0, 0));
+}
+
+void ConfigurableDate::write(std::ostream& out) const
+{
+    Digits{out}(get().year(), 4)('-')(get().month())('-')(get().day());
+}
+
+void ConfigurableDate::write_doctype(std::ostream& out) const
+{
+    out << "YYYY-MM-DD";
+}
+
+void ConfigurableDate_YearMonth::read(std::istream& in, std::ostream& err)
+{
+    int f[2];
+    if (!read_fields(in, '-', f, 2))
+        return fail(in, err, "unable to read date (should be YYYY-MM)");
+    set(Timestamp(f[0], f[1], 0, 0, 0, 0));
+}
+
+void ConfigurableDate_YearMonth::write(std::ostream& out) const
+{
+    Digits{out}(get().year(), 4)('-')(get().month());
+}
+
+void ConfigurableDate_YearMonth::write_doctype(std::ostream& out) const
+{
+    out << "YYYY-MM";
+}
+
+// --- ConfigurableMultipleChoice ---
+
+ConfigurableMultipleChoice::ConfigurableMultipleChoice(const std::string& name,
+                                                       const std::vector<std::string>& choices,
+                                                       int default_index)
+    : Configurable(name), _choices(&choices), _index(default_index), _default(default_index)
+{
+}
+
+void ConfigurableMultipleChoice::set(int index)
+{
+    if (index < 0 || index == _index || size_t(index) >= _choices->size())
+        return;
+    _index = index;
+    _set_changed(true);
+}
+
+void ConfigurableMultipleChoice::read(std::istream& in, std::ostream& err)
+{
+    std::string text;
+    if (!std::getline(in, text, '\0'))
+        return fail(in, err, "unable to read choice");
+    for (size_t i = 0; i < _choices->size(); ++i) {
+        if ((*_choices)[i] == text) {
+            set(int(i));
+            return;
+        }
+    }
+    err << "invalid option: " << text << '\n';
+}
+
+void ConfigurableMultipleChoice::write(std::ostream& out) const
+{
+    if (_index >= 0 && size_t(_index) < _choices->size())
+        out << (*_choices)[_index];
+}
+
+void ConfigurableMultipleChoice::write_doctype(std::ostream& out) const
+{
+    for (size_t i = 0; i < _choices->size(); ++i)
+        out << (i ? "|" : "") << (*_choices)[i];
+}

@@ -1,0 +1,621 @@
+#include "configurable/configurable.h"
+
+#include <sstream>
+
+#include "xml/xml_parser.h"
+#include "xml/xml_writer.h"
+
+int Configurable::_xalloc_index = -1;
+
+namespace {
+
+int compact_index()
+{
+    if (Configurable::_xalloc_index < 0)
+        Configurable::_xalloc_index = std::ios_base::xalloc();
+    return Configurable::_xalloc_index;
+}
+
+}  // namespace
+
+bool Configurable::is_compact(std::ios_base& stream)
+{
+    return stream.iword(compact_index()) & 1;
+}
+
+void Configurable::set_compact(std::ios_base& stream, bool compact)
+{
+    long& word = stream.iword(compact_index());
+    word = compact ? (word | 1) : (word & ~1L);
+}
+
+Configurable::Configurable(const std::string& name, Configurable* parent)
+    : _name(name), _parent(parent)
+{
+}
+
+Configurable::~Configurable()
+{
+    delete _attributes;
+}
+
+void Configurable::add_attribute(Configurable& attribute)
+{
+    if (!_attributes) {
+        _attributes = new ConfigurableAttributes(*this);
+        _attributes->_set_throw_on_error(_throws_on_error());
+    }
+    _attributes->add(attribute);
+}
+
+void Configurable::do_accept_attributes(ConfigurableVisitor& v)
+{
+    if (_attributes)
+        _attributes->accept(v);
+}
+
+std::istream& Configurable::configure(std::istream& in, std::ostream& out)
+{
+    XMLParser parser(in);
+    XMLWriter writer(out, !is_compact(out));
+    for (;;) {
+        switch (parser.GetNextToken()) {
+        case XMLParser::STRING:
+            if (!_do_configure_string(parser.GetTokenString(), writer, true))
+                in.setstate(std::ios_base::failbit);
+            else
+                continue;
+            return in;
+        case XMLParser::ERROR:
+            in.setstate(std::ios_base::failbit);
+            return in;
+        case XMLParser::END_DOC:
+            return in;
+        case XMLParser::START_ELEMENT:
+            if (parser.GetTokenString() == _name) {
+                if (!_do_configure(parser, writer))
+                    in.setstate(std::ios_base::failbit);
+            } else {
+                _error("Invalid start element: " + parser.GetTokenString(), writer);
+                in.setstate(std::ios_base::failbit);
+            }
+            return in;
+        default:
+            continue;
+        }
+    }
+}
+
+std::ostream& Configurable::configuration(std::ostream& out) const
+{
+    XMLWriter writer(out, !is_compact(out));
+    _write_context(writer);
+    return out;
+}
+
+std::ostream& Configurable::configuration_noparent(std::ostream& out) const
+{
+    XMLWriter writer(out, !is_compact(out));
+    _write_noparent(writer);
+    return out;
+}
+
+std::ostream& Configurable::changed(std::ostream& out) const
+{
+    if (has_changed()) {
+        XMLWriter writer(out, !is_compact(out));
+        _write_changes_context(writer);
+    }
+    return out;
+}
+
+std::ostream& Configurable::doctype(std::ostream& out) const
+{
+    XMLWriter writer(out, !is_compact(out));
+    _write_doctype_context(writer);
+    return out;
+}
+
+std::ostream& Configurable::build_query(std::ostream& out) const
+{
+    XMLWriter writer(out, !is_compact(out));
+    _write_header(writer);
+    writer.write_string("&query;", true);
+    _write_footer(writer);
+    return out;
+}
+
+void Configurable::_set_changed(bool changed)
+{
+    if (changed) {
+        _flags |= CHANGED;
+        ++_change_count;
+        _on_changed();
+        if (_listener)
+            _listener->GotChanged({this});
+        if (_parent)
+            _parent->_set_changed(true);
+    } else {
+        _flags &= ~uint32_t(CHANGED);
+        if (_attributes)
+            _attributes->_set_changed(false);
+    }
+}
+
+void Configurable::_set_locked(bool locked)
+{
+    _set_flag(LOCKED, locked);
+    if (_attributes)
+        _attributes->_set_locked(locked);
+}
+
+void Configurable::_set_throw_on_error(bool on)
+{
+    _set_flag(THROW_ON_ERROR, on);
+    if (_attributes)
+        _attributes->_set_throw_on_error(on);
+}
+
+void Configurable::_error(const std::string& message, XMLWriter& writer)
+{
+    if (_throws_on_error())
+        throw Error("XML error in item \"" + _name + "\": " + message);
+    writer.WriteStartElement("Error");
+    writer.WriteAttributeValuePair("Param", _name);
+    writer.write_string(message, true);
+    writer.WriteEndElement("Error");
+}
+
+bool Configurable::_do_configure_string(const std::string& text, XMLWriter& writer, bool top_level)
+{
+    XMLQueryStringParser tokens(text);
+    for (;;) {
+        switch (tokens.GetNextToken()) {
+        case XMLQueryStringParser::QUERY:
+            if (top_level)
+                _write_noparent(writer);
+            else
+                _write(writer);
+            break;
+        case XMLQueryStringParser::QUERY_CONTEXT:
+            _write_context(writer);
+            break;
+        case XMLQueryStringParser::QUERY_CHANGES:
+            if (top_level)
+                _write_changes_noparent(writer);
+            else
+                _write_changes(writer);
+            break;
+        case XMLQueryStringParser::QUERY_CHANGES_CONTEXT:
+            _write_changes_context(writer);
+            break;
+        case XMLQueryStringParser::QUERY_DOCTYPE:
+            if (top_level)
+                _write_doctype_noparent(writer);
+            else
+                _write_doctype(writer);
+            break;
+        case XMLQueryStringParser::QUERY_DOCTYPE_CONTEXT:
+            _write_doctype_context(writer);
+            break;
+        case XMLQueryStringParser::STRING:
+            if (!top_level && !_read(tokens.GetTokenValue(), writer))
+                return false;
+            break;
+        case XMLQueryStringParser::DOCTYPE:
+            if (!top_level && !_read_doctype(tokens.GetTokenValue(), writer))
+                return false;
+            break;
+        case XMLQueryStringParser::ERROR:
+            _error("Invalid query: " + tokens.GetTokenValue(), writer);
+            break;
+        case XMLQueryStringParser::END_STRING:
+            return true;
+        default:
+            break;
+        }
+    }
+}
+
+bool Configurable::_do_configure(XMLParser& parser, XMLWriter& writer)
+{
+    _flags &= ~uint32_t(PREPARED);
+    _on_configure_begin();
+    if (_listener)
+        _listener->GotConfigureBegin({this});
+    for (;;) {
+        switch (parser.GetNextToken()) {
+        case XMLParser::START_ELEMENT:
+            if (!_do_configure_start(parser.GetTokenString(), parser, writer))
+                return false;
+            break;
+        case XMLParser::ATTRIBUTE:
+            if (!_do_configure_attribute(parser.GetTokenString(), writer))
+                return false;
+            break;
+        case XMLParser::ATTRIBUTE_VALUE_PAIR:
+            if (!_do_configure_attribute_pair(parser.GetTokenString(), parser.GetTokenValue(), writer))
+                return false;
+            break;
+        case XMLParser::STRING: {
+            const std::string& text = parser.GetTokenString();
+            _on_string(text);
+            if (_listener)
+                _listener->GotString({this}, text);
+            if (!_do_configure_string(text, writer, false))
+                return false;
+            break;
+        }
+        case XMLParser::END_ELEMENT:
+            if (parser.GetTokenString() != _name) {
+                _error("Invalid End Element: " + parser.GetTokenString(), writer);
+                return false;
+            }
+            _on_configure_end();
+            if (_listener)
+                _listener->GotConfigureEnd({this});
+            return true;
+        case XMLParser::END_DOC:
+            return true;  // an unfinished element is accepted
+        case XMLParser::ERROR:
+            return false;
+        default:
+            break;
+        }
+    }
+}
+
+bool Configurable::_do_configure_start(const std::string& name, XMLParser&, XMLWriter& writer)
+{
+    _error("Invalid configuration tag: " + name, writer);
+    return false;
+}
+
+bool Configurable::_do_configure_attribute(const std::string& name, XMLWriter& writer)
+{
+    if (!_attributes) {
+        _error("This item has no attributes", writer);
+        return false;
+    }
+    return _attributes->_do_configure_attribute(name, writer);
+}
+
+bool Configurable::_do_configure_attribute_pair(const std::string& name, const std::string& value,
+                                                XMLWriter& writer)
+{
+    if (!_attributes) {
+        _error("This item has no attributes", writer);
+        return false;
+    }
+    return _attributes->_do_configure_attribute_pair(name, value, writer);
+}
+
+void Configurable::_prepare_to_read()
+{
+    _flags |= PREPARED;
+    if (_attributes)
+        _attributes->_prepare_to_read();
+}
+
+bool Configurable::_read(const std::string& text, XMLWriter& writer)
+{
+    // A locked node reports, and reads all the same.
+    if (_flags & LOCKED)
+        _error("Configuration is locked", writer);
+    if (_flags & READ_BLOCKED)
+        return true;
+    if (!_is_prepared())
+        _prepare_to_read();
+    std::istringstream in(text);
+    std::ostringstream err;
+    read(in, err);
+    if (!err.str().empty())
+        _error(err.str(), writer);
+    return !in.fail();
+}
+
+bool Configurable::_read_doctype(const std::string& text, XMLWriter& writer)
+{
+    if (_flags & LOCKED)
+        _error("Configuration is locked", writer);
+    if (_flags & READ_BLOCKED)
+        return true;
+    std::istringstream in(text);
+    std::ostringstream err;
+    read_doctype(in, err);
+    if (!err.str().empty())
+        _error(err.str(), writer);
+    return !in.fail();
+}
+
+void Configurable::_write_text(const std::string& text, XMLWriter& writer) const
+{
+    writer.write_string(text, !(_flags & NO_TRANSLATION));
+}
+
+void Configurable::_write(XMLWriter& writer) const
+{
+    std::ostringstream out;
+    write(out);
+    _write_text(out.str(), writer);
+}
+
+void Configurable::_write_doctype(XMLWriter& writer) const
+{
+    std::ostringstream out;
+    write_doctype(out);
+    _write_text("{" + out.str() + "}", writer);
+}
+
+void Configurable::_write_changes(XMLWriter& writer) const
+{
+    if (has_changed())
+        _write(writer);
+}
+
+void Configurable::_write_attr(XMLWriter& writer) const
+{
+    if (_attributes)
+        _attributes->_write(writer);
+}
+
+void Configurable::_write_attr_doctype(XMLWriter& writer) const
+{
+    if (_attributes)
+        _attributes->_write_doctype(writer);
+}
+
+void Configurable::_write_noparent(XMLWriter& writer) const
+{
+    writer.WriteStartElement(_name);
+    _on_write_begin();
+    if (_listener)
+        _listener->GotWriteBegin({const_cast<Configurable*>(this)});
+    _write_attr(writer);
+    _write(writer);
+    writer.WriteEndElement(_name);
+    _on_write_end();
+    if (_listener)
+        _listener->GotWriteEnd({const_cast<Configurable*>(this)});
+}
+
+void Configurable::_write_changes_noparent(XMLWriter& writer) const
+{
+    if (!has_changed())
+        return;
+    writer.WriteStartElement(_name);
+    _on_write_begin();
+    if (_listener)
+        _listener->GotWriteBegin({const_cast<Configurable*>(this)});
+    _write_attr(writer);
+    _write_changes(writer);
+    writer.WriteEndElement(_name);
+    _on_write_end();
+    if (_listener)
+        _listener->GotWriteEnd({const_cast<Configurable*>(this)});
+}
+
+void Configurable::_write_doctype_noparent(XMLWriter& writer) const
+{
+    writer.WriteStartElement(_name);
+    _write_attr_doctype(writer);
+    _write_doctype(writer);
+    writer.WriteEndElement(_name);
+}
+
+void Configurable::_write_header(XMLWriter& writer) const
+{
+    if (_parent)
+        _parent->_write_header(writer);
+    writer.WriteStartElement(_name);
+    _on_write_begin();
+    if (_listener)
+        _listener->GotWriteBegin({const_cast<Configurable*>(this)});
+}
+
+void Configurable::_write_footer(XMLWriter& writer) const
+{
+    writer.WriteEndElement(_name);
+    _on_write_end();
+    if (_listener)
+        _listener->GotWriteEnd({const_cast<Configurable*>(this)});
+    if (_parent)
+        _parent->_write_footer(writer);
+}
+
+void Configurable::_write_context(XMLWriter& writer) const
+{
+    _write_header(writer);
+    _write_attr(writer);
+    _write(writer);
+    _write_footer(writer);
+}
+
+void Configurable::_write_changes_context(XMLWriter& writer) const
+{
+    if (!has_changed())
+        return;
+    _write_header(writer);
+    _write_attr(writer);
+    _write_changes(writer);
+    _write_footer(writer);
+}
+
+void Configurable::_write_doctype_context(XMLWriter& writer) const
+{
+    _write_header(writer);
+    _write_attr_doctype(writer);
+    _write_doctype(writer);
+    _write_footer(writer);
+}
+
+// --- ConfigurableAttributes ---
+
+ConfigurableAttributes::ConfigurableAttributes(Configurable& owner) : Configurable("attr", &owner) {}
+
+void ConfigurableAttributes::add(Configurable& attribute)
+{
+    _items.push_back(&attribute);
+    attribute.set_parent(this);
+    attribute._set_throw_on_error(_throws_on_error());
+}
+
+void ConfigurableAttributes::accept(ConfigurableVisitor& v)
+{
+    if (v.VisitAttributesBegin()) {
+        for (Configurable* a : _items) {
+            a->do_accept(v);
+            a->do_accept_attributes(v);
+        }
+    }
+    v.VisitAttributesEnd();
+}
+
+Configurable* ConfigurableAttributes::_find(const std::string& name) const
+{
+    for (Configurable* a : _items)
+        if (a->name() == name)
+            return a;
+    return nullptr;
+}
+
+void ConfigurableAttributes::_set_changed(bool changed)
+{
+    Configurable::_set_changed(changed);
+    if (!changed)
+        for (Configurable* a : _items)
+            a->_set_changed(false);
+}
+
+void ConfigurableAttributes::_set_locked(bool locked)
+{
+    Configurable::_set_locked(locked);
+    for (Configurable* a : _items)
+        a->_set_locked(locked);
+}
+
+void ConfigurableAttributes::_set_throw_on_error(bool on)
+{
+    Configurable::_set_throw_on_error(on);
+    for (Configurable* a : _items)
+        a->_set_throw_on_error(on);
+}
+
+bool ConfigurableAttributes::_do_configure_attribute(const std::string& name, XMLWriter& writer)
+{
+    // A query entity in attribute position arrives here as a name.
+    return _do_configure_string(name, writer, false);
+}
+
+bool ConfigurableAttributes::_do_configure_attribute_pair(const std::string& name,
+                                                          const std::string& value,
+                                                          XMLWriter& writer)
+{
+    struct PairScope {
+        ConfigurableAttributes& self;
+        PairScope(ConfigurableAttributes& s, const std::string& name) : self(s)
+        {
+            self._in_pair = true;
+            self._pair_name = name;
+        }
+        ~PairScope() { self._in_pair = false; }
+    } scope(*this, name);
+    return _do_configure_string(value, writer, false);
+}
+
+void ConfigurableAttributes::_prepare_to_read()
+{
+    for (Configurable* a : _items) {
+        if (a->is_enabled()) {
+            a->set_enabled(false);
+            a->_set_changed(true);
+        }
+    }
+}
+
+bool ConfigurableAttributes::_read(const std::string& text, XMLWriter& writer)
+{
+    Configurable* attribute = _find(_in_pair ? _pair_name : text);
+    if (!attribute)
+        return true;  // unknown attributes are ignored
+    Configurable* owner = parent();
+    if (!owner->_is_prepared())
+        owner->_prepare_to_read();
+    if (!attribute->is_enabled()) {
+        attribute->set_enabled(true);
+        attribute->_set_changed(true);
+    }
+    return _in_pair ? attribute->_read(text, writer) : true;
+}
+
+void ConfigurableAttributes::_write(XMLWriter& writer) const
+{
+    if (_in_pair) {
+        const Configurable* attribute = _find(_pair_name);
+        if (!attribute)
+            return;
+        if (!attribute->is_enabled()) {
+            writer.write_string("&disabled;", true);
+            return;
+        }
+        std::ostringstream out;
+        attribute->write(out);
+        if (!out)
+            return;
+        writer.write_string(out.str().empty() ? "&enabled;" : out.str(), true);
+        return;
+    }
+    for (const Configurable* a : _items) {
+        if (!a->is_enabled())
+            continue;
+        std::ostringstream out;
+        a->write(out);
+        if (out && !out.str().empty())
+            writer.WriteAttributeValuePair(a->name(), out.str());
+        else
+            writer.WriteAttribute(a->name());
+    }
+}
+
+bool ConfigurableAttributes::_read_doctype(const std::string& text, XMLWriter& writer)
+{
+    Configurable* attribute = _in_pair ? _find(_pair_name) : nullptr;
+    return attribute ? attribute->_read_doctype(text, writer) : true;
+}
+
+void ConfigurableAttributes::_write_doctype(XMLWriter& writer) const
+{
+    if (_in_pair) {
+        const Configurable* attribute = _find(_pair_name);
+        if (!attribute)
+            return;
+        std::ostringstream out;
+        attribute->write_doctype(out);
+        if (!out.str().empty())
+            writer.write_string("{" + out.str() + "}", true);
+        return;
+    }
+    for (const Configurable* a : _items) {
+        std::ostringstream out;
+        a->write_doctype(out);
+        if (!out.str().empty())
+            writer.WriteAttributeValuePair(a->name(), "{" + out.str() + "}");
+        else
+            writer.WriteAttribute(a->name());
+    }
+}
+
+void ConfigurableAttributes::_write_context(XMLWriter& writer) const
+{
+    parent()->_write_context(writer);
+}
+
+void ConfigurableAttributes::_write_changes_context(XMLWriter& writer) const
+{
+    parent()->_write_changes_context(writer);
+}
+
+void ConfigurableAttributes::_write_doctype_context(XMLWriter& writer) const
+{
+    parent()->_write_doctype_context(writer);
+}

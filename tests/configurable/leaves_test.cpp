@@ -1,0 +1,275 @@
+// The value rules of the leaves: parsing, printing, clamping, error texts and change marks.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <ctime>
+#include <limits>
+
+#include "test_tree.h"
+
+namespace {
+
+// Reads `text` into `leaf` the way a message does and returns the error text, "" for none.
+struct ReadResult {
+    std::string error;
+    bool failed;
+};
+
+ReadResult read_into(Configurable& leaf, const std::string& text)
+{
+    std::istringstream in(text);
+    std::ostringstream err;
+    leaf.read(in, err);
+    return {err.str(), in.fail()};
+}
+
+std::string written(const Configurable& leaf)
+{
+    std::ostringstream out;
+    leaf.write(out);
+    return out.str();
+}
+
+std::string type_text(const Configurable& leaf)
+{
+    std::ostringstream out;
+    leaf.write_doctype(out);
+    return out.str();
+}
+
+TEST(Leaves, FloatsAndDoublesReadAndPrint)
+{
+    struct Row {
+        const char* text;
+        const char* printed;
+    } rows[] = {
+        {"1.2", "1.2"}, {"3.4", "3.4"}, {"1.0", "1"}, {"1234567", "1.23457e+06"},
+        {"0.1234", "0.1234"}, {"inf", "inf"}, {"-inf", "-inf"}, {"nan", "nan"}, {" 7 trailing", "7"},
+    };
+    for (const Row& row : rows) {
+        ConfigurableFloat f("f", 0);
+        ConfigurableDouble d("d", 0);
+        EXPECT_EQ(read_into(f, row.text).error, "") << row.text;
+        EXPECT_EQ(read_into(d, row.text).error, "") << row.text;
+        EXPECT_EQ(written(f), row.printed) << row.text;
+        EXPECT_EQ(written(d), row.printed) << row.text;
+    }
+}
+
+TEST(Leaves, UnreadableNumbersLeaveTheOldValue)
+{
+    struct Row {
+        const char* text;
+        const char* error;
+        bool failed;
+    } rows[] = {
+        {"junk", "unable to read float", false},  // reported, the element goes on
+        {"infinity", "unable to read float", false},
+        {"   ", "unable to read float", true},
+    };
+    for (const Row& row : rows) {
+        ConfigurableFloat f("f", 2.5f);
+        f._set_changed(false);
+        ReadResult r = read_into(f, row.text);
+        EXPECT_EQ(r.error, row.error) << row.text;
+        EXPECT_EQ(r.failed, row.failed) << row.text;
+        EXPECT_EQ(f.get(), 2.5f);
+        EXPECT_FALSE(f.has_changed());
+    }
+    ConfigurableDouble d("d", 1);
+    EXPECT_EQ(read_into(d, "x").error, "unable to read double");
+}
+
+TEST(Leaves, RangeModes)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    ConfigurableFloat clamp("c", 5, 0, 10, false);
+    clamp.set(25);
+    EXPECT_EQ(clamp.get(), 10);
+    clamp.set(-3);
+    EXPECT_EQ(clamp.get(), 0);
+    EXPECT_EQ(type_text(clamp), "float:5;0...10");
+
+    ConfigurableFloat strict("s", 5, 0, 10, true);
+    strict.set(25);  // out of range clamps: only NaN is neither above min nor below max
+    EXPECT_EQ(strict.get(), 10);
+    try {
+        strict.set(nan);
+        ADD_FAILURE() << "NaN accepted";
+    } catch (const std::range_error& e) {
+        EXPECT_STREQ(e.what(), "ConfigurableFloat: range error");
+    }
+    ConfigurableDouble strict_double("s", 5, 0, 10, true);
+    EXPECT_THROW(strict_double.set(std::nan("")), std::range_error);
+
+    ConfigurableFloat free("f", 5);
+    EXPECT_EQ(type_text(free), "float:5");
+    free._set_changed(false);
+    free.set(nan);
+    EXPECT_TRUE(free.has_changed());  // NaN equals nothing, so it always changes
+    free._set_changed(false);
+    free.set(nan);
+    EXPECT_TRUE(free.has_changed());
+}
+
+TEST(Leaves, Integers)
+{
+    ConfigurableInteger limited("i", 3, 0, 10);
+    EXPECT_EQ(read_into(limited, "25").error, "");
+    EXPECT_EQ(limited.get(), 10);
+    EXPECT_EQ(read_into(limited, "-4 and more").error, "");
+    EXPECT_EQ(limited.get(), 0);
+    ReadResult bad = read_into(limited, "x");
+    EXPECT_EQ(bad.error, "unable to read integer");
+    EXPECT_TRUE(bad.failed);
+    EXPECT_EQ(type_text(limited), "integer:3;0...10");
+    EXPECT_EQ(type_text(ConfigurableInteger("i", 7)), "integer:7");
+    EXPECT_EQ(type_text(ConfigurableInteger("i", 7, 1)), "integer:7;1...9223372036854775807");
+
+    ConfigurableTimeT t("t", 0);
+    read_into(t, "1000");
+    EXPECT_EQ(written(t), "1000");
+    std::tm local{};
+    local.tm_year = 2024 - 1900;
+    local.tm_mon = 0;
+    local.tm_mday = 15;
+    local.tm_hour = 10;
+    local.tm_min = 30;
+    local.tm_isdst = -1;
+    const std::time_t expected = std::mktime(&local);
+    EXPECT_EQ(read_into(t, "2024-01-15 10:30:00").error, "");
+    EXPECT_EQ(written(t), std::to_string(expected));
+    read_into(t, "-5");
+    EXPECT_EQ(t.get(), 0);
+    EXPECT_EQ(read_into(t, "now").error, "unable to read time_t");
+}
+
+TEST(Leaves, Bools)
+{
+    struct Row {
+        const char* text;
+        bool value;
+        const char* error;
+        bool failed;
+    } rows[] = {
+        {"true", true, "", false},
+        {"false", false, "", false},
+        {"True", false, "invalid bool", false},
+        {"1", false, "invalid bool", false},
+        {"", false, "unable to read bool", true},
+    };
+    for (const Row& row : rows) {
+        ConfigurableBool b("b", false);
+        ReadResult r = read_into(b, row.text);
+        EXPECT_EQ(b.get(), row.value) << row.text;
+        EXPECT_EQ(r.error, row.error) << row.text;
+        EXPECT_EQ(r.failed, row.failed) << row.text;
+    }
+    EXPECT_EQ(type_text(ConfigurableBool("b", true)), "true|false");
+}
+
+TEST(Leaves, Strings)
+{
+    ConfigurableString s("s", "");
+    read_into(s, "  spaces are kept ");
+    EXPECT_EQ(s.get(), "  spaces are kept ");
+    EXPECT_EQ(type_text(s), "string");
+    EXPECT_EQ(type_text(ConfigurableString("s", "def")), "string:def");
+
+    ConfigurableStringProxyReadOnly proxy("p", s);
+    EXPECT_EQ(written(proxy), "  spaces are kept ");
+    read_into(proxy, "ignored");
+    EXPECT_EQ(s.get(), "  spaces are kept ");
+
+    // Empty text is never read, so a message cannot empty a string.
+    TestTree tree;
+    ConfigurableString name("name", "first");
+    tree.add(name);
+    reply(tree, "<L><name></name></L>");
+    EXPECT_EQ(name.get(), "first");
+    EXPECT_EQ(reply(tree, "<L><name>a &lt;b&gt;</name><name>&query_item;</name></L>"), "a &lt;b&gt;");
+    EXPECT_EQ(name.get(), "a <b>");
+}
+
+TEST(Leaves, TimesAndDates)
+{
+    struct Row {
+        Configurable* leaf;
+        const char* text;
+        const char* printed;
+        const char* type;
+    };
+    ConfigurableTimestamp stamp("ts", Timestamp(0.0));
+    ConfigurableTime time("t", Timestamp(0.0));
+    ConfigurableTime_HourMinutes hm("hm", Timestamp(0.0));
+    ConfigurableDate date("d", Timestamp(0.0));
+    ConfigurableDate_YearMonth ym("ym", Timestamp(0.0));
+    Row rows[] = {
+        {&stamp, "2001-03-01 12:30:09.5", "2001-03-01 12:30:09.5", "YYYY-MM-DD HH:MM:SS.SS"},
+        {&time, "12:34:56", "12:34:56", "HH:MM:SS"},
+        {&time, "1:2:3", "01:02:03", "HH:MM:SS"},
+        {&hm, "07:05", "07:05", "HH:MM"},
+        {&date, "2001-03-01", "2001-03-01", "YYYY-MM-DD"},
+        {&ym, "2001-02", "2001-01", "YYYY-MM"},  // day 0: the last day of the month before
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(read_into(*row.leaf, row.text).error, "") << row.text;
+        std::ostringstream out;
+        row.leaf->write(out);
+        EXPECT_EQ(out.str(), row.printed) << row.text;
+        EXPECT_EQ(out.fill(), ' ');
+        EXPECT_EQ(type_text(*row.leaf), row.type);
+    }
+    EXPECT_EQ(time.get().get(), 3723);
+    EXPECT_EQ(date.get().get(), 383788800);
+}
+
+TEST(Leaves, TimeAndDateErrorsEndWithALineEnd)
+{
+    struct Row {
+        Configurable* leaf;
+        const char* text;
+        const char* error;
+    };
+    ConfigurableTimestamp stamp("ts", Timestamp(0.0));
+    ConfigurableTime time("t", Timestamp(0.0));
+    ConfigurableTime_HourMinutes hm("hm", Timestamp(0.0));
+    ConfigurableDate date("d", Timestamp(0.0));
+    ConfigurableDate_YearMonth ym("ym", Timestamp(0.0));
+    ConfigurableMultipleChoice choice("c", lunch_choices(), 0);
+    ConfigurableString string("s", "");
+    Row rows[] = {
+        {&stamp, "later", "unable to read Timestamp\n"},
+        {&time, "12-34-56", "unable to read time (should be HH:MM:SS)\n"},
+        {&time, "12:34", "unable to read time (should be HH:MM:SS)\n"},
+        {&hm, "12.30", "unable to read time (should be HH:MM)\n"},
+        {&date, "2001/03/01", "unable to read date (should be YYYY-MM-DD)\n"},
+        {&ym, "March", "unable to read date (should be YYYY-MM)\n"},
+        {&choice, "", "unable to read choice\n"},
+        {&string, "", "unable to read string\n"},
+    };
+    for (const Row& row : rows) {
+        ReadResult r = read_into(*row.leaf, row.text);
+        EXPECT_EQ(r.error, row.error) << row.text;
+        EXPECT_TRUE(r.failed) << row.text;
+    }
+}
+
+TEST(Leaves, ChoicesIgnoreIndexesOutOfTheTable)
+{
+    ConfigurableMultipleChoice choice("c", lunch_choices(), 1);
+    choice._set_changed(false);
+    for (int index : {-1, 1, 6, 100}) {
+        choice.set(index);
+        EXPECT_EQ(choice.get(), 1);
+        EXPECT_FALSE(choice.has_changed());
+    }
+    choice.set(4);
+    EXPECT_EQ(written(choice), "tire");
+    EXPECT_TRUE(choice.has_changed());
+    choice.set_to_default();
+    EXPECT_EQ(choice.get_string(), "banana");
+}
+
+}  // namespace

@@ -1,0 +1,153 @@
+#include "xml/xml_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace {
+
+// The small document of the writer's documentation, in either mode.
+std::string sample(bool formatted)
+{
+    std::ostringstream os;
+    XMLWriter w(os, formatted);
+    w.WriteStartDoc();
+    w.WriteStartElement("greeting");
+    w.write_string("Hello, world!", true);
+    w.WriteEndElement("greeting");
+    w.WriteStartElement("tag1");
+    w.WriteAttributeValuePair("tag1_attr", "tag1_val");
+    w.WriteAttribute("tag1_attr2");
+    w.WriteEndElement("tag1");
+    w.WriteStartElement("tag2");
+    w.WriteStartElement("tag3");
+    w.WriteAttribute("attr");
+    w.write_string("Howdy from tag3", true);
+    w.WriteStartElement("ARVEX::tag31");
+    w.write_string("this is tag31", true);
+    w.WriteEndElement("ARVEX::tag31");
+    w.WriteEndElement("tag3");
+    w.WriteEndElement("tag2");
+    w.WriteStartElement("tag4");
+    w.WriteEndDoc();
+    return os.str();
+}
+
+TEST(XMLWriter, FormattedDocument)
+{
+    EXPECT_EQ(sample(true),
+              "<?xml version=\"1.0\"?>\n"
+              "<greeting>Hello, world!</greeting>\n"
+              "<tag1 tag1_attr=\"tag1_val\" tag1_attr2/>\n"
+              "<tag2>\n"
+              "\t<tag3 attr>Howdy from tag3\n"
+              "\t\t<ARVEX::tag31>this is tag31</ARVEX::tag31>\n"
+              "\t</tag3>\n"
+              "</tag2>\n"
+              "<tag4/>\n");
+}
+
+TEST(XMLWriter, CompactDocument)
+{
+    EXPECT_EQ(sample(false),
+              "<?xml version=\"1.0\"?><greeting>Hello, world!</greeting>"
+              "<tag1 tag1_attr=\"tag1_val\" tag1_attr2/><tag2><tag3 attr>Howdy from tag3"
+              "<ARVEX::tag31>this is tag31</ARVEX::tag31></tag3></tag2><tag4/>\n");
+}
+
+TEST(XMLWriter, CompactWritesNoLineFeedWithoutEndDoc)
+{
+    std::ostringstream os;
+    XMLWriter w(os, false);
+    w.WriteStartElement("arvex");
+    w.WriteStartElement("dyn");
+    w.WriteEndElement("dyn");
+    w.WriteEndElement("arvex");
+    EXPECT_EQ(os.str(), "<arvex><dyn/></arvex>");
+}
+
+TEST(XMLWriter, FormattedStartsWithLineFeedWithoutStartDoc)
+{
+    std::ostringstream os;
+    XMLWriter w(os, true);
+    w.WriteStartElement("a");
+    w.WriteEndElement("a");
+    EXPECT_EQ(os.str(), "\n<a/>");
+}
+
+TEST(XMLWriter, StringsInARowAndAfterEndTags)
+{
+    std::ostringstream os;
+    XMLWriter w(os, false);
+    // Answers to several queries, each under a transparent root.
+    w.WriteStartElement("");
+    w.write_string("43.21", false);
+    w.WriteEndElement("");
+    w.WriteStartElement("");
+    w.write_string("", false); // writes nothing, changes nothing
+    w.write_string("9", false);
+    w.WriteEndElement("");
+    w.WriteStartElement("Error");
+    w.WriteAttributeValuePair("Param", "x y");
+    w.write_string("bad", true);
+    w.WriteEndElement("Error");
+    w.write_string("1234", false);
+    w.write_string("2.1", false);
+    EXPECT_EQ(os.str(), "43.21 9<Error Param=\"x y\">bad</Error>1234 2.1");
+}
+
+TEST(XMLWriter, EmptyNameIsTransparent)
+{
+    std::ostringstream os;
+    XMLWriter w(os, false);
+    w.WriteStartElement("");
+    w.WriteAttribute("");
+    w.WriteAttributeValuePair("", "v");
+    w.WriteStartElement("a");
+    w.WriteAttribute("");
+    w.write_string("1", false);
+    w.WriteEndElement("a");
+    w.WriteEndElement("");
+    EXPECT_EQ(os.str(), "<a>1</a>");
+}
+
+TEST(XMLWriter, EmptyNameEndStillTakesOffIndent)
+{
+    std::ostringstream os;
+    XMLWriter w(os, true);
+    w.WriteStartElement("outer");
+    w.WriteStartElement("");
+    w.WriteStartElement("in");
+    w.WriteEndElement("in");
+    w.WriteEndElement("");
+    w.WriteStartElement("in2");
+    w.WriteEndElement("in2");
+    w.WriteEndElement("outer");
+    EXPECT_EQ(os.str(), "\n<outer>\n\t<in/>\n<in2/>\n</outer>");
+}
+
+TEST(XMLWriter, IndentStopsAtZero)
+{
+    std::ostringstream os;
+    XMLWriter w(os, true);
+    for (int i = 0; i < 3; ++i)
+        w.WriteEndElement("");
+    w.WriteStartElement("a");
+    w.WriteStartElement("b");
+    EXPECT_EQ(os.str(), "\n<a>\n\t<b");
+}
+
+TEST(XMLWriter, NamesAreCutAndTextEscaped)
+{
+    std::ostringstream os;
+    XMLWriter w(os, false);
+    w.WriteStartElement("bad name");
+    w.WriteAttributeValuePair("q", "say \"hi\" & &query;");
+    w.write_string("a<b & &query;", true);
+    w.write_string("a<b", false);
+    w.WriteEndElement("bad name");
+    EXPECT_EQ(os.str(), "<bad q=\"say &quot;hi&quot; &amp; &query;\">a&lt;b &amp; &query; a<b</bad>");
+}
+
+} // namespace
