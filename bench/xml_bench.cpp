@@ -1,5 +1,8 @@
 #include "xml/xml_parser.h"
 
+#include "bench/ratio.h"
+#include "bench/viewbuf.h"
+
 #include <benchmark/benchmark.h>
 
 #ifdef SONDAR_BENCH_PUGIXML
@@ -7,12 +10,9 @@
 #endif
 
 #include <cstdint>
-#include <cstdio>
 #include <istream>
-#include <map>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -50,17 +50,6 @@ const std::string& message()
     return m;
 }
 
-// A read-only stream buffer over the message, so that the loop times the
-// tokenizer and not the copy into a string stream.
-class ViewBuf : public std::streambuf {
-public:
-    explicit ViewBuf(const std::string& s)
-    {
-        char* p = const_cast<char*>(s.data());
-        setg(p, p, p + s.size());
-    }
-};
-
 void BM_XMLParser(benchmark::State& state)
 {
     const std::string& m = message();
@@ -96,35 +85,6 @@ void BM_Pugixml(benchmark::State& state)
 BENCHMARK(BM_Pugixml);
 #endif
 
-// Console output as usual; the time per iteration is kept for the ratio.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    std::map<std::string, double> times; // per iteration, in the run's time unit
+const bool registered = RegisterRatio("XMLParser / pugixml, one 5 KB message", "BM_XMLParser", "BM_Pugixml");
 
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        for (const Run& r : runs) {
-            if (!r.error_occurred)
-                times[r.benchmark_name()] = r.GetAdjustedRealTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    std::printf("message: %zu bytes\n", message().size());
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    const auto ours = reporter.times.find("BM_XMLParser");
-    const auto pugi = reporter.times.find("BM_Pugixml");
-    if (ours != reporter.times.end() && pugi != reporter.times.end())
-        std::printf("XMLParser / pugixml time ratio: %.2f\n", ours->second / pugi->second);
-    benchmark::Shutdown();
-    return 0;
-}
+}  // namespace

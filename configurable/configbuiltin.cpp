@@ -449,10 +449,15 @@ void ConfigurableMultipleChoice::read(std::istream& in, std::ostream& err)
     err << "invalid option: " << text << '\n';
 }
 
+const std::string& ConfigurableMultipleChoice::get_string() const
+{
+    static const std::string none;
+    return _index >= 0 && size_t(_index) < _choices->size() ? (*_choices)[_index] : none;
+}
+
 void ConfigurableMultipleChoice::write(std::ostream& out) const
 {
-    if (_index >= 0 && size_t(_index) < _choices->size())
-        out << (*_choices)[_index];
+    out << get_string();
 }
 
 void ConfigurableMultipleChoice::write_doctype(std::ostream& out) const

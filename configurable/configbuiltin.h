@@ -200,7 +200,8 @@ public:
     /// Ignored for an index out of the table.
     void set(int index);
     int get() const { return _index; }
-    const std::string& get_string() const { return (*_choices)[_index]; }
+    /// The chosen text; "" when the table no longer reaches the index (a shared table can shrink).
+    const std::string& get_string() const;
     const std::vector<std::string>& choices() const { return *_choices; }
 
     void set_to_default() override { set(_default); }

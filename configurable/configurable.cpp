@@ -1,6 +1,8 @@
 #include "configurable/configurable.h"
 
+#include <memory>
 #include <sstream>
+#include <vector>
 
 #include "xml/xml_parser.h"
 #include "xml/xml_writer.h"
@@ -8,6 +10,58 @@
 int Configurable::_xalloc_index = -1;
 
 namespace {
+
+// Making a stream costs more than reading or printing a value, and a message reads one value
+// per leaf: streams are kept for reuse, one per nesting depth, since a read can reach another
+// tree through a listener or an overridden set.
+template <class Stream>
+class StreamLease {
+public:
+    StreamLease()
+    {
+        if (_depth == _pool.size())
+            _pool.push_back(std::make_unique<Stream>());
+        _stream = _pool[_depth++].get();
+        _stream->clear();
+        _stream->flags(std::ios_base::skipws | std::ios_base::dec);
+        _stream->precision(6);
+        _stream->width(0);
+        _stream->fill(' ');
+        _stream->str(std::string());
+    }
+    explicit StreamLease(const std::string& text) : StreamLease() { _stream->str(text); }
+    ~StreamLease() { --_depth; }
+    StreamLease(const StreamLease&) = delete;
+    StreamLease& operator=(const StreamLease&) = delete;
+
+    Stream& operator*() const { return *_stream; }
+    Stream* operator->() const { return _stream; }
+
+private:
+    Stream* _stream;
+    static thread_local std::vector<std::unique_ptr<Stream>> _pool;
+    static thread_local size_t _depth;
+};
+
+template <class Stream>
+thread_local std::vector<std::unique_ptr<Stream>> StreamLease<Stream>::_pool;
+template <class Stream>
+thread_local size_t StreamLease<Stream>::_depth = 0;
+
+using InLease = StreamLease<std::istringstream>;
+using OutLease = StreamLease<std::ostringstream>;
+
+// Reads text with a node's read or read_doctype, reporting what it wrote as an error.
+template <class Read>
+bool read_reporting(Configurable& node, const std::string& text, XMLWriter& writer, Read read)
+{
+    InLease in(text);
+    OutLease err;
+    read(*in, *err);
+    if (err->tellp() > 0)
+        node._error(err->str(), writer);
+    return !in->fail();
+}
 
 int compact_index()
 {
@@ -306,12 +360,7 @@ bool Configurable::_read(const std::string& text, XMLWriter& writer)
         return true;
     if (!_is_prepared())
         _prepare_to_read();
-    std::istringstream in(text);
-    std::ostringstream err;
-    read(in, err);
-    if (!err.str().empty())
-        _error(err.str(), writer);
-    return !in.fail();
+    return read_reporting(*this, text, writer, [this](std::istream& in, std::ostream& err) { read(in, err); });
 }
 
 bool Configurable::_read_doctype(const std::string& text, XMLWriter& writer)
@@ -320,12 +369,8 @@ bool Configurable::_read_doctype(const std::string& text, XMLWriter& writer)
         _error("Configuration is locked", writer);
     if (_flags & READ_BLOCKED)
         return true;
-    std::istringstream in(text);
-    std::ostringstream err;
-    read_doctype(in, err);
-    if (!err.str().empty())
-        _error(err.str(), writer);
-    return !in.fail();
+    return read_reporting(*this, text, writer,
+                          [this](std::istream& in, std::ostream& err) { read_doctype(in, err); });
 }
 
 void Configurable::_write_text(const std::string& text, XMLWriter& writer) const
@@ -335,16 +380,16 @@ void Configurable::_write_text(const std::string& text, XMLWriter& writer) const
 
 void Configurable::_write(XMLWriter& writer) const
 {
-    std::ostringstream out;
-    write(out);
-    _write_text(out.str(), writer);
+    OutLease out;
+    write(*out);
+    _write_text(out->str(), writer);
 }
 
 void Configurable::_write_doctype(XMLWriter& writer) const
 {
-    std::ostringstream out;
-    write_doctype(out);
-    _write_text("{" + out.str() + "}", writer);
+    OutLease out;
+    write_doctype(*out);
+    _write_text("{" + out->str() + "}", writer);
 }
 
 void Configurable::_write_changes(XMLWriter& writer) const
@@ -558,20 +603,20 @@ void ConfigurableAttributes::_write(XMLWriter& writer) const
             writer.write_string("&disabled;", true);
             return;
         }
-        std::ostringstream out;
-        attribute->write(out);
-        if (!out)
+        OutLease out;
+        attribute->write(*out);
+        if (!*out)
             return;
-        writer.write_string(out.str().empty() ? "&enabled;" : out.str(), true);
+        writer.write_string(out->tellp() > 0 ? out->str() : "&enabled;", true);
         return;
     }
     for (const Configurable* a : _items) {
         if (!a->is_enabled())
             continue;
-        std::ostringstream out;
-        a->write(out);
-        if (out && !out.str().empty())
-            writer.WriteAttributeValuePair(a->name(), out.str());
+        OutLease out;
+        a->write(*out);
+        if (*out && out->tellp() > 0)
+            writer.WriteAttributeValuePair(a->name(), out->str());
         else
             writer.WriteAttribute(a->name());
     }
@@ -589,17 +634,17 @@ void ConfigurableAttributes::_write_doctype(XMLWriter& writer) const
         const Configurable* attribute = _find(_pair_name);
         if (!attribute)
             return;
-        std::ostringstream out;
-        attribute->write_doctype(out);
-        if (!out.str().empty())
-            writer.write_string("{" + out.str() + "}", true);
+        OutLease out;
+        attribute->write_doctype(*out);
+        if (out->tellp() > 0)
+            writer.write_string("{" + out->str() + "}", true);
         return;
     }
     for (const Configurable* a : _items) {
-        std::ostringstream out;
-        a->write_doctype(out);
-        if (!out.str().empty())
-            writer.WriteAttributeValuePair(a->name(), "{" + out.str() + "}");
+        OutLease out;
+        a->write_doctype(*out);
+        if (out->tellp() > 0)
+            writer.WriteAttributeValuePair(a->name(), "{" + out->str() + "}");
         else
             writer.WriteAttribute(a->name());
     }
