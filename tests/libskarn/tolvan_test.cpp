@@ -1,0 +1,643 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "libskarn/doctolvan.h"
+
+namespace {
+
+/// Sends one message to `node` and returns the compact reply.
+std::string send(Configurable& node, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.configure(in, out);
+    return out.str();
+}
+
+std::string tolvan(const std::string& body)
+{
+    return "<arvex><tolvan>" + body + "</tolvan></arvex>";
+}
+
+std::string golden(const std::string& file)
+{
+    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
+    std::string line;
+    std::getline(in, line);
+    return line;
+}
+
+/// A fresh document with every changed flag cleared, as after a first exchange.
+struct CleanDoc : DocTolvan {
+    CleanDoc() { _set_changed(false); }
+};
+
+// --- the tree as printed ---
+
+TEST(TolvanDocument, FreshQueryMatchesGolden)
+{
+    DocTolvan doc;
+    const std::string expected = golden("tolvan_query.txt");
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(send(doc, "<arvex>&query;</arvex>"), expected);
+}
+
+TEST(TolvanDocument, FreshDoctypeMatchesGolden)
+{
+    DocTolvan doc;
+    const std::string expected = golden("tolvan_doctype.txt");
+    ASSERT_FALSE(expected.empty());
+    EXPECT_EQ(send(doc, "<arvex>&query_doctype;</arvex>"), expected);
+}
+
+TEST(TolvanDocument, AckIsPrintedOnlyOnRequest)
+{
+    DocTolvan doc;
+    std::ostringstream ack;
+    Configurable::set_compact(ack, true);
+    doc.Ack(ack);
+    EXPECT_EQ(ack.str(), "<arvex><tolvan><ack>true</ack></tolvan></arvex>");
+    EXPECT_EQ(send(doc, tolvan("<ack>false</ack><error>x</error>")), "");
+    EXPECT_TRUE(doc.Conf().Ack().get());
+    EXPECT_EQ(doc.Conf().Error().get(), "");
+}
+
+TEST(TolvanDocument, SerialnumberFollowsTheFactorySection)
+{
+    CleanDoc doc;
+    EXPECT_EQ(send(doc, tolvan("<serialnumber>ch4-0001</serialnumber>")), "");
+    EXPECT_FALSE(doc.has_changed());
+    send(doc, tolvan("<factory><serialnumber>ch4-0042</serialnumber></factory>"));
+    EXPECT_EQ(send(doc, tolvan("<serialnumber>&query;</serialnumber>")),
+              tolvan("<serialnumber>ch4-0042</serialnumber>"));
+}
+
+// --- leaves: bounds, choices, blocked columns ---
+
+struct BoundCase {
+    const char* message;
+    std::function<double(ConfigTolvan&)> value;
+    double expected;
+};
+
+TEST(TolvanLeaves, ValuesBeyondTheBoundsAreClampedSilently)
+{
+    const BoundCase cases[] = {
+        {"<cfg><dac1><set>7</set></dac1></cfg>", [](ConfigTolvan& t) { return t.Cfg().Dac(1).Set().get(); }, 5},
+        {"<cfg><dac6><set>-9</set></dac6></cfg>", [](ConfigTolvan& t) { return t.Cfg().Dac(6).Set().get(); }, -5},
+        {"<cfg><dac2><high>1e6</high></dac2></cfg>", [](ConfigTolvan& t) { return t.Cfg().Dac(2).High().get(); }, 1e6},
+        {"<cfg><aux1><a0>-1e6</a0></aux1></cfg>", [](ConfigTolvan& t) { return t.Cfg().Aux(1).A0().get(); }, -1e6},
+        {"<cfg><heater><top><deltat>6</deltat></top></heater></cfg>",
+         [](ConfigTolvan& t) { return t.Cfg().Heater().Top().Deltat().get(); }, 5},
+        {"<cfg><heater><top><heaterpower>101</heaterpower></top></heater></cfg>",
+         [](ConfigTolvan& t) { return double(t.Cfg().Heater().Top().Heaterpower().get()); }, 100},
+        {"<cfg><heater><bottom><signalstrengthlevel>-1</signalstrengthlevel></bottom></heater></cfg>",
+         [](ConfigTolvan& t) { return double(t.Cfg().Heater().Bottom().Signalstrengthlevel().get()); }, 0},
+        {"<cfg><spinmirror><duration>301</duration></spinmirror></cfg>",
+         [](ConfigTolvan& t) { return double(t.Cfg().Spinmirror().Duration().get()); }, 300},
+        {"<cfg><linelock><lasercooler><temp>51</temp></lasercooler></linelock></cfg>",
+         [](ConfigTolvan& t) { return t.Cfg().Linelock().Lasercooler().Temp().get(); }, 50},
+        {"<cfg><linelock><laserblock><daccount>70000</daccount></laserblock></linelock></cfg>",
+         [](ConfigTolvan& t) { return double(t.Cfg().Linelock().Laserblock().Daccount().get()); }, 65535},
+        {"<cfg><sdmaddress>16</sdmaddress></cfg>", [](ConfigTolvan& t) { return double(t.Cfg().Sdmaddress().get()); }, 15},
+        {"<factory><rssidropthresh>101</rssidropthresh></factory>",
+         [](ConfigTolvan& t) { return t.Factory().Rssidropthresh().get(); }, 100},
+        {"<factory><blockstarttemplowrange>-1</blockstarttemplowrange></factory>",
+         [](ConfigTolvan& t) { return t.Factory().Blockstarttemplowrange().get(); }, 0},
+        {"<factory><mirrorpos>1024</mirrorpos></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Mirrorpos().get()); }, 1023},
+        {"<factory><samplegain>-1</samplegain></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Samplegain().get()); }, 0},
+        {"<factory><refgain>123456789</refgain></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Refgain().get()); }, 123456789},
+        {"<factory><lasermoddepth>-5</lasermoddepth></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Lasermoddepth().get()); }, -5},
+        {"<factory><sampleacoffset>-40000</sampleacoffset></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Sampleacoffset().get()); }, -32768},
+        {"<factory><sampleopticaloffset>40000</sampleopticaloffset></factory>",
+         [](ConfigTolvan& t) { return double(t.Factory().Sampleopticaloffset().get()); }, 32767},
+        {"<factory><dither>-1</dither></factory>", [](ConfigTolvan& t) { return double(t.Factory().Dither().get()); }, 0},
+    };
+    for (const BoundCase& c : cases) {
+        DocTolvan doc;
+        EXPECT_EQ(send(doc, tolvan(c.message)), "") << c.message;
+        EXPECT_DOUBLE_EQ(c.value(doc.Conf()), c.expected) << c.message;
+    }
+}
+
+TEST(TolvanLeaves, OnlyTemprangeCountsTheValueItHoldsAsAChange)
+{
+    const std::pair<const char*, bool> cases[] = {
+        {"<cfg><temprange>high</temprange></cfg>", true},
+        {"<cfg><temprange>low</temprange></cfg>", true},
+        {"<cfg><linelock><laserblock><control>on</control></laserblock></linelock></cfg>", false},
+        {"<cfg><heater><top><control>auto</control></top></heater></cfg>", false},
+        {"<cfg><aux1><type>poly</type></aux1></cfg>", false},
+        {"<output><rate>40</rate></output>", false},
+    };
+    for (const auto& [message, changed] : cases) {
+        CleanDoc doc;
+        EXPECT_EQ(send(doc, tolvan(message)), "") << message;
+        EXPECT_EQ(doc.has_changed(), changed) << message;
+    }
+}
+
+TEST(TolvanLeaves, ChoicesTakeOnlyTheirOptions)
+{
+    DocTolvan doc;
+    ConfigTolvan& t = doc.Conf();
+    send(doc, tolvan("<output><rate>10</rate></output><cfg><dac3><src>auxtc2</src></dac3>"
+                     "<linelock><lasercooler><control>daccount</control></lasercooler></linelock></cfg>"));
+    EXPECT_EQ(t.Output().Rate().get_rate(), 10);
+    EXPECT_EQ(t.Cfg().Dac(3).Src().get_string(), "auxtc2");
+    EXPECT_EQ(t.Cfg().Linelock().Lasercooler().Control().get(), 2);
+
+    EXPECT_NE(send(doc, tolvan("<output><rate>3</rate></output>")), "");
+    EXPECT_EQ(t.Output().Rate().get_rate(), 10);
+    EXPECT_NE(send(doc, tolvan("<cfg><linelock><laserblock><control>auto</control></laserblock></linelock></cfg>")), "");
+    EXPECT_EQ(t.Cfg().Linelock().Laserblock().Control().get_string(), "on");
+}
+
+TEST(TolvanLeaves, UsbSplitKnowsItsLengthInSeconds)
+{
+    const std::pair<const char*, int> cases[] = {{"0", 0}, {"15", 900}, {"90", 5400}, {"240", 14400}, {"1440", 86400}};
+    DocTolvan doc;
+    for (const auto& [minutes, seconds] : cases) {
+        send(doc, tolvan(std::string("<box><usb><split>") + minutes + "</split></usb></box>"));
+        EXPECT_EQ(doc.Conf().Box().Usb().Split().get_seconds(), seconds) << minutes;
+    }
+}
+
+TEST(TolvanLeaves, HourMinuteLeavesKeepSecondsFromMidnight)
+{
+    DocTolvan doc;
+    ConfigSpinMirror& mirror = doc.Conf().Cfg().Spinmirror();
+    EXPECT_DOUBLE_EQ(mirror.Repeatinterval().get().get(), 1800);
+    send(doc, tolvan("<cfg><spinmirror><repeatinterval>02:15</repeatinterval><ontime>23:59</ontime></spinmirror></cfg>"));
+    EXPECT_DOUBLE_EQ(mirror.Repeatinterval().get().get(), 8100);
+    EXPECT_DOUBLE_EQ(mirror.Ontime().get().get(), 86340);
+}
+
+// --- box data ---
+
+TEST(TolvanBoxData, TimeAndChecksumColumnsCannotBeSwitchedOff)
+{
+    const std::pair<const char*, bool> cases[] = {
+        {"seconds", true}, {"nanoseconds", true}, {"chk", true}, {"diag", false}, {"ch4d", false}, {"auxtc3", false},
+    };
+    for (const char* section : {"output", "usb"}) {
+        for (const auto& [tag, blocked] : cases) {
+            CleanDoc doc;
+            const std::string open = std::string("<box><") + section + "><data><" + tag + ">";
+            const std::string close = std::string("</") + tag + "></data></" + section + "></box>";
+            EXPECT_EQ(send(doc, tolvan(open + "false" + close)), "") << section << "/" << tag;
+            EXPECT_EQ(doc.has_changed(), !blocked) << section << "/" << tag;
+            EXPECT_EQ(send(doc, tolvan(open + "&query_item;" + close)), blocked ? "true" : "false")
+                << section << "/" << tag;
+        }
+    }
+}
+
+TEST(TolvanBoxData, OnlyTheUsbLogHasDateAndTime)
+{
+    CleanDoc doc;
+    ConfigBox& box = doc.Conf().Box();
+    EXPECT_EQ(send(doc, tolvan("<box><output><data><date>true</date><time>true</time></data></output></box>")), "");
+    EXPECT_FALSE(doc.has_changed());
+    EXPECT_FALSE(box.Output().Data().Date().get());
+
+    send(doc, tolvan("<box><usb><data><date>false</date></data></usb></box>"));
+    EXPECT_TRUE(box.Usb().Data().has_changed());
+    EXPECT_FALSE(box.Usb().Data().Date().get());
+    EXPECT_TRUE(box.Usb().Data().Time().get());
+}
+
+TEST(TolvanBoxData, TrueSetNamesTheColumnsThatAreOn)
+{
+    std::set<std::string> columns{"LEFTOVER"};
+    ConfigBoxData output(false);
+    output.GetTrueSet(columns);
+    EXPECT_EQ(columns.size(), 21u);
+    for (const char* absent : {"MSEC", "DATE", "TIME", "LEFTOVER"})
+        EXPECT_EQ(columns.count(absent), 0u) << absent;
+    for (const char* present : {"SECONDS", "NANOSECONDS", "CH4", "CH4D", "AUX1", "AUX8", "AUXTC3", "CHK"})
+        EXPECT_EQ(columns.count(present), 1u) << present;
+
+    ConfigBoxData usb(true);
+    usb.GetTrueSet(columns);
+    EXPECT_EQ(columns.size(), 23u);
+    EXPECT_EQ(columns.count("DATE"), 1u);
+    EXPECT_EQ(columns.count("MSEC"), 0u);
+
+    // date is looked at even where it is no child.
+    output.Date().set(true);
+    output.Msec().set(true);
+    output.Ch4().set(false);
+    output.GetTrueSet(columns);
+    EXPECT_EQ(columns.size(), 22u);
+    EXPECT_EQ(columns.count("DATE"), 1u);
+    EXPECT_EQ(columns.count("MSEC"), 1u);
+    EXPECT_EQ(columns.count("CH4"), 0u);
+    EXPECT_EQ(columns.count("CH4D"), 1u);
+}
+
+// --- cfg ---
+
+TEST(TolvanCfg, AuxAndDacCountFromOne)
+{
+    DocTolvan doc;
+    ConfigCfg& cfg = doc.Conf().Cfg();
+    const char* sources[] = {"ch4d", "temp", "pressure", "rssi", "droprate", "ch4"};
+    for (unsigned n = 1; n <= 6; ++n) {
+        EXPECT_EQ(cfg.Dac(n).name(), "dac" + std::to_string(n));
+        EXPECT_EQ(cfg.Dac(n).Src().get_string(), sources[n - 1]);
+    }
+    for (unsigned n = 1; n <= 8; ++n)
+        EXPECT_EQ(cfg.Aux(n).name(), "aux" + std::to_string(n));
+
+    const std::pair<unsigned, const char*> bad_dacs[] = {{0, "Invalid Dac: 0"}, {7, "Invalid Dac: 7"}};
+    for (const auto& [n, text] : bad_dacs) {
+        try {
+            cfg.Dac(n);
+            ADD_FAILURE() << "Dac(" << n << ") did not throw";
+        } catch (const std::runtime_error& e) {
+            EXPECT_STREQ(e.what(), text);
+        }
+    }
+    const std::pair<unsigned, const char*> bad_auxes[] = {{0, "Invalid Auxilliary: 0"}, {9, "Invalid Auxilliary: 9"}};
+    for (const auto& [n, text] : bad_auxes) {
+        try {
+            cfg.Aux(n);
+            ADD_FAILURE() << "Aux(" << n << ") did not throw";
+        } catch (const std::runtime_error& e) {
+            EXPECT_STREQ(e.what(), text);
+        }
+    }
+}
+
+TEST(TolvanCfg, AMessageReachesTheNumberedSectionItNames)
+{
+    DocTolvan doc;
+    ConfigCfg& cfg = doc.Conf().Cfg();
+    send(doc, tolvan("<cfg><aux7><type>linear-rt</type><a3>2.5</a3></aux7><dac5><src>set</src><set>1.25</set></dac5></cfg>"));
+    EXPECT_EQ(cfg.Aux(7).Type().get_string(), "linear-rt");
+    EXPECT_FLOAT_EQ(cfg.Aux(7).A3().get(), 2.5f);
+    EXPECT_FLOAT_EQ(cfg.Aux(6).A3().get(), 0);
+    EXPECT_EQ(cfg.Dac(5).Src().get_string(), "set");
+    EXPECT_FLOAT_EQ(cfg.Dac(5).Set().get(), 1.25f);
+    EXPECT_FLOAT_EQ(cfg.Dac(4).Set().get(), 0);
+}
+
+// --- model ---
+
+TEST(TolvanModel, IsConfigChangedIgnoresCommandsAndTheCpld)
+{
+    const std::pair<const char*, bool> cases[] = {
+        {"", false},
+        {"<cmd><poll>true</poll></cmd>", false},
+        {"<cpld><ver>7</ver><motor><actual_pos>3</actual_pos></motor></cpld>", false},
+        {"<factory><cmd><commit>true</commit></cmd></factory>", true},  // the factory section changed
+        {"<output><status>true</status></output>", true},
+        {"<box><usb><zip>true</zip></usb></box>", true},
+        {"<cfg><sdmaddress>3</sdmaddress></cfg>", true},
+        {"<cal><ch4zero>0.1</ch4zero></cal>", true},
+        {"<factory><dither>5</dither></factory>", true},
+        {"<ver>1.2</ver>", true},
+        {"<name>ch4-0007</name>", true},
+        {"<ipaddress>10.0.0.9</ipaddress>", true},
+    };
+    for (const auto& [message, changed] : cases) {
+        CleanDoc doc;
+        send(doc, tolvan(message));
+        EXPECT_EQ(doc.Conf().IsConfigChanged(), changed) << message;
+    }
+    DocTolvan fresh;
+    EXPECT_TRUE(fresh.Conf().IsConfigChanged());
+}
+
+// --- calibration history ---
+
+ConfigCalRecord& add_record(ConfigCalHistory& history, double time, const std::string& type, float zero)
+{
+    auto* record = new ConfigCalRecord(Timestamp(time), type, zero, 1);
+    history.add(*record);
+    return *record;
+}
+
+std::vector<std::string> summary(const ConfigCalHistory& history)
+{
+    std::vector<std::string> rows;
+    for (Configurable* child : history.children()) {
+        auto& record = static_cast<ConfigCalRecord&>(*child);
+        std::ostringstream row;
+        row << record.Time().get().get() << " " << record.Type().get() << " " << record.Ch4zero().get();
+        rows.push_back(row.str());
+    }
+    return rows;
+}
+
+TEST(TolvanCalHistory, ClearOldRecordsKeepsTheLastMatchOfEachKindSpanFirst)
+{
+    ConfigCalHistory history;
+    add_record(history, 100, "CH4 Zero", 0.1f);
+    add_record(history, 200, "CH4 Span", 0.2f);
+    add_record(history, 100, "CH4 Zero", 0.3f);      // same instant, later in the list: kept
+    add_record(history, 300, "CH4 Zero", 0.4f);      // newer, but not the last zero: dropped
+    add_record(history, 200, "", 0.5f);              // no type: skipped
+    add_record(history, 100, "Other step", 0.6f);    // neither kind
+    history.ClearOldRecords(Timestamp(100), Timestamp(200));
+    EXPECT_EQ(summary(history), (std::vector<std::string>{"200 CH4 Span 0.2", "100 CH4 Zero 0.3"}));
+    for (Configurable* child : history.children())
+        EXPECT_EQ(child->parent(), &history);
+}
+
+TEST(TolvanCalHistory, ClearOldRecordsMatchesTypesByContainingAndTimesExactly)
+{
+    ConfigCalHistory history;
+    add_record(history, 50, "manual CH4 Span (gas 2 ppm)", 0.7f);
+    add_record(history, 60, "auto CH4 Zero", 0.8f);
+    add_record(history, 60.0001, "CH4 Zero", 0.9f);
+    history.ClearOldRecords(Timestamp(60), Timestamp(50));
+    EXPECT_EQ(summary(history), (std::vector<std::string>{"50 manual CH4 Span (gas 2 ppm) 0.7", "60 auto CH4 Zero 0.8"}));
+
+    history.ClearOldRecords(Timestamp(1), Timestamp(2));
+    EXPECT_TRUE(history.children().empty());
+}
+
+TEST(TolvanCalHistory, CalClearsWithItsOwnLastTimes)
+{
+    DocTolvan doc;
+    ConfigCal& cal = doc.Conf().Cal();
+    send(doc, tolvan("<cal><ch4lastzero>2020-03-01 12:00:00</ch4lastzero><history>"
+                     "<record><time>2020-03-01 12:00:00</time><type>CH4 Zero</type><ch4zero>0.25</ch4zero></record>"
+                     "<record><time>2020-03-02 12:00:00</time><type>CH4 Zero</type><ch4zero>0.5</ch4zero></record>"
+                     "<record><time>2020-03-03 12:00:00</time><type>CH4 Span</type><ch4span>1.5</ch4span></record>"
+                     "</history></cal>"));
+    ASSERT_EQ(cal.History().children().size(), 3u);
+    cal.ClearOldHistoryRecords();
+    ASSERT_EQ(cal.History().children().size(), 1u);
+    auto& kept = static_cast<ConfigCalRecord&>(*cal.History().children().front());
+    EXPECT_FLOAT_EQ(kept.Ch4zero().get(), 0.25f);
+    EXPECT_EQ(kept.name(), "record");
+}
+
+TEST(TolvanCalHistory, AMessageReplacesTheWholeList)
+{
+    DocTolvan doc;
+    ConfigCalHistory& history = doc.Conf().Cal().History();
+    add_record(history, 1, "CH4 Zero", 0);
+    add_record(history, 2, "CH4 Zero", 0);
+    send(doc, tolvan("<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type></record></history></cal>"));
+    ASSERT_EQ(history.children().size(), 1u);
+    EXPECT_EQ(static_cast<ConfigCalRecord&>(*history.children().front()).Type().get(), "CH4 Span");
+    EXPECT_EQ(send(doc, tolvan("<cal><history>&query;</history></cal>")),
+              tolvan("<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type>"
+                     "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
+}
+
+TEST(TolvanCalHistory, RecordsAreTheSameByTimeAlone)
+{
+    ConfigCalHistory history;
+    ConfigCalRecord& zero = add_record(history, 100, "CH4 Zero", 0.1f);
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(100), "CH4 Span", 9, 9)), &zero);
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(101), "CH4 Zero", 0.1f, 1)), nullptr);
+}
+
+TEST(TolvanCalHistory, CopiesCarryValuesAndName)
+{
+    ConfigCalRecord original("step");
+    original.Time().set(Timestamp(42));
+    original.Type().set("CH4 Span");
+    original.Ch4span().set(1.5f);
+    original._set_changed(false);
+    original.Ch4zero().set(0.5f);
+
+    ConfigCalRecord copy(original);
+    EXPECT_EQ(copy.name(), "step");
+    EXPECT_DOUBLE_EQ(copy.Time().get().get(), 42);
+    EXPECT_EQ(copy.Type().get(), "CH4 Span");
+    EXPECT_FLOAT_EQ(copy.Ch4zero().get(), 0.5f);
+    EXPECT_FLOAT_EQ(copy.Ch4span().get(), 1.5f);
+    EXPECT_TRUE(copy.Ch4zero().has_changed());
+    EXPECT_FALSE(copy.Ch4span().has_changed());
+
+    ConfigCalHistory a, b;
+    add_record(b, 7, "CH4 Zero", 0.7f);
+    a = b;
+    EXPECT_EQ(summary(a), summary(b));
+}
+
+// --- events ---
+
+/// Writes down every call as a line of text.
+struct Recorder : DocTolvanListener {
+    std::vector<std::string> calls;
+    std::time_t set_time = 0;
+
+    template <class... Args>
+    void note(const char* name, const Args&... args)
+    {
+        std::ostringstream line;
+        line << name;
+        ((line << ' ' << args), ...);
+        calls.push_back(line.str());
+    }
+
+    void OnTempRange(int index) override { note("OnTempRange", index); }
+    void OnRate(int hz) override { note("OnRate", hz); }
+    void OnCH4Zero() override { note("OnCH4Zero"); }
+    void OnCH4Span(float concentration) override { note("OnCH4Span", concentration); }
+    void OnCalCommit() override { note("OnCalCommit"); }
+    void OnCalRollback() override { note("OnCalRollback"); }
+    void OnCalAbort() override { note("OnCalAbort"); }
+    void OnCalChanged() override { note("OnCalChanged"); }
+    void OnPoll() override { note("OnPoll"); }
+    void OnPollTest() override { note("OnPollTest"); }
+    void OnLineLock() override { note("OnLineLock"); }
+    void OnLogUSBStart() override { note("OnLogUSBStart"); }
+    void OnLogUSBStop() override { note("OnLogUSBStop"); }
+    void OnTopHeater(int64_t power, int control, long on, long off, float deltat) override
+    {
+        note("OnTopHeater", power, control, on, off, deltat);
+    }
+    void OnBottomHeater(int64_t power, int control, int64_t level, long on, long off) override
+    {
+        note("OnBottomHeater", power, control, level, on, off);
+    }
+    void OnSpinMirror(int control, int64_t level, long on, long off, int64_t duration, long repeat) override
+    {
+        note("OnSpinMirror", control, level, on, off, duration, repeat);
+    }
+    void OnLineLockChanged(int cooler_control, int64_t cooler_dac, int block_control, int64_t block_dac,
+                           float cooler_temp, float block_temp) override
+    {
+        note("OnLineLockChanged", cooler_control, cooler_dac, block_control, block_dac, cooler_temp, block_temp);
+    }
+    void OnSetTime(std::time_t t) override
+    {
+        set_time = t;
+        note("OnSetTime");
+    }
+    void OnTimeZone(const std::string& zone) override { note("OnTimeZone", zone); }
+    void OnPTP(int index) override { note("OnPTP", index); }
+    void OnNetwork(const std::string& name, bool automatic, const SocketAddress& ip, const SocketAddress& mask,
+                   const SocketAddress& gateway) override
+    {
+        note("OnNetwork", name, automatic ? "auto" : "manual", ip, mask, gateway);
+    }
+    void OnAux(unsigned n, int type, float a0, float a1, float a2, float a3) override
+    {
+        note("OnAux", n, type, a0, a1, a2, a3);
+    }
+    void OnFactoryChanged() override { note("OnFactoryChanged"); }
+    void OnFactoryCommit() override { note("OnFactoryCommit"); }
+    void OnFactoryRollback() override { note("OnFactoryRollback"); }
+    void OnReboot() override { note("OnReboot"); }
+    void OnConfigChanged() override { note("OnConfigChanged"); }
+};
+
+/// Serves one message on a clean document and returns the calls it caused.
+std::vector<std::string> serve(CleanDoc& doc, Recorder& recorder, const std::string& body)
+{
+    doc.SetListener(&recorder);
+    std::istringstream in(tolvan(body));
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    doc.configure_and_send_events(in, out);
+    EXPECT_EQ(out.str(), "") << body;
+    return recorder.calls;
+}
+
+using Calls = std::vector<std::string>;
+
+TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
+{
+    const std::pair<const char*, Calls> cases[] = {
+        {"", {}},
+        {"<output><status>true</status><dataclocksync>true</dataclocksync></output>", {}},
+        {"<output><rate>10</rate></output>", {"OnRate 10", "OnConfigChanged"}},
+        {"<box><usb><zip>true</zip></usb></box>", {"OnConfigChanged"}},
+        {"<cal><ch4span>1.1</ch4span></cal>", {"OnCalChanged"}},
+        {"<cfg><temprange>high</temprange></cfg>", {"OnTempRange 1", "OnConfigChanged"}},
+        {"<cfg><heater><top><heaterpower>50</heaterpower><deltat>1.5</deltat></top></heater></cfg>",
+         {"OnTopHeater 50 0 0 0 1.5", "OnConfigChanged"}},
+        {"<cfg><heater><bottom><control>off</control><ontime>01:00</ontime></bottom></heater></cfg>",
+         {"OnBottomHeater 100 2 40 3600 0", "OnConfigChanged"}},
+        {"<cfg><spinmirror><repeatinterval>01:15</repeatinterval><duration>45</duration></spinmirror></cfg>",
+         {"OnSpinMirror 0 40 0 0 45 4500", "OnConfigChanged"}},
+        {"<cfg><linelock><lasercooler><control>manual</control><temp>30.5</temp></lasercooler></linelock></cfg>",
+         {"OnLineLockChanged 1 0 1 0 30.5 22"}},
+        {"<cfg><clock><ptp>preferred</ptp></clock></cfg>", {"OnPTP 2"}},
+        {"<cfg><network><configuration>manual</configuration><ipaddress>10.0.0.2</ipaddress></network></cfg>",
+         {"OnNetwork ch4-xxxx manual 10.0.0.2 255.255.255.0 192.168.1.1"}},
+        {"<cfg><aux3><type>steinhart</type><a2>0.5</a2></aux3></cfg>", {"OnAux 3 1 0 1 0.5 0", "OnConfigChanged"}},
+        {"<cfg><dac4><low>1</low></dac4></cfg>", {"OnConfigChanged"}},
+        {"<cfg><sdmaddress>2</sdmaddress></cfg>", {}},
+        {"<factory><dither>5</dither></factory>", {"OnFactoryChanged"}},
+        {"<factory><cmd><rollback>true</rollback><commit>true</commit></cmd></factory>",
+         {"OnFactoryCommit", "OnFactoryRollback", "OnFactoryChanged"}},
+        {"<cmd><poll>false</poll></cmd>", {}},
+        {"<cpld><ver>3</ver></cpld>", {}},
+    };
+    for (const auto& [body, expected] : cases) {
+        CleanDoc doc;
+        Recorder recorder;
+        EXPECT_EQ(serve(doc, recorder, body), expected) << body;
+    }
+}
+
+TEST(TolvanEvents, SectionsComeInAFixedOrderWhateverTheMessageOrder)
+{
+    CleanDoc doc;
+    Recorder recorder;
+    const Calls calls = serve(doc, recorder,
+                              "<cmd><reboot>true</reboot><poll>true</poll></cmd>"
+                              "<factory><cmd><commit>true</commit></cmd></factory>"
+                              "<cfg><aux8><a0>1</a0></aux8><aux1><a0>2</a0></aux1>"
+                              "<network><name>n</name></network><clock><ptp>slaveonly</ptp></clock>"
+                              "<linelock><laserblock><daccount>9</daccount></laserblock></linelock>"
+                              "<spinmirror><control>on</control></spinmirror>"
+                              "<heater><top><control>off</control></top><bottom><heaterpower>10</heaterpower></bottom></heater>"
+                              "<temprange>low</temprange></cfg>"
+                              "<output><rate>0</rate></output><cal><ch4zero>0.5</ch4zero></cal>");
+    EXPECT_EQ(calls, (Calls{"OnCalChanged", "OnRate 0", "OnTempRange 0", "OnBottomHeater 10 0 40 0 0",
+                            "OnTopHeater 100 2 0 0 0", "OnSpinMirror 1 40 0 0 30 1800",
+                            "OnLineLockChanged 0 0 1 9 25 22", "OnPTP 1",
+                            "OnNetwork n auto 192.168.1.95 255.255.255.0 192.168.1.1", "OnAux 1 0 2 1 0 0",
+                            "OnAux 8 0 1 1 0 0", "OnFactoryCommit", "OnFactoryChanged", "OnConfigChanged",
+                            "OnPoll", "OnReboot"}));
+}
+
+TEST(TolvanEvents, CommandsComeInTheirOwnOrder)
+{
+    CleanDoc doc;
+    Recorder recorder;
+    const Calls calls = serve(doc, recorder,
+                              "<cmd><reboot>true</reboot><logusbstop>true</logusbstop><logusbstart>true</logusbstart>"
+                              "<calabort>true</calabort><calrollback>true</calrollback><calcommit>true</calcommit>"
+                              "<ch4span>true</ch4span><ch4zero>true</ch4zero><polltest>true</polltest>"
+                              "<poll>true</poll><linelock>true</linelock></cmd>");
+    EXPECT_EQ(calls, (Calls{"OnLineLock", "OnPoll", "OnPollTest", "OnCH4Zero", "OnCH4Span 2", "OnCalCommit",
+                            "OnCalRollback", "OnCalAbort", "OnLogUSBStart", "OnLogUSBStop", "OnReboot"}));
+}
+
+TEST(TolvanEvents, SpanGetsTheConcentrationOfTheSameMessage)
+{
+    for (const char* body : {"<cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>",
+                             "<cmd><ch4span>true</ch4span></cmd><cal><ch4spanconc>2.5</ch4spanconc></cal>"}) {
+        CleanDoc doc;
+        Recorder recorder;
+        EXPECT_EQ(serve(doc, recorder, body), (Calls{"OnCalChanged", "OnCH4Span 2.5"})) << body;
+    }
+}
+
+TEST(TolvanEvents, CommandsLastOneMessage)
+{
+    CleanDoc doc;
+    Recorder recorder;
+    serve(doc, recorder, "<cmd><poll>true</poll></cmd><factory><cmd><commit>true</commit></cmd></factory>");
+    EXPECT_TRUE(doc.Conf().Cmd().Poll().get());
+    doc._set_changed(false);
+    recorder.calls.clear();
+    // The reset of the commands is itself a change, but no command is true any more.
+    EXPECT_EQ(serve(doc, recorder, ""), (Calls{"OnFactoryChanged"}));
+    EXPECT_FALSE(doc.Conf().Cmd().Poll().get());
+    EXPECT_FALSE(doc.Conf().Factory().Cmd().Commit().get());
+}
+
+TEST(TolvanEvents, WithoutAListenerTheMessageIsStillApplied)
+{
+    DocTolvan doc;
+    doc.Conf().Cmd().Reboot().set(true);
+    std::istringstream in(tolvan("<cfg><sdmaddress>4</sdmaddress></cfg>"));
+    std::ostringstream out;
+    doc.configure_and_send_events(in, out);
+    EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
+    EXPECT_EQ(doc.Conf().Cfg().Sdmaddress().get(), 4);
+}
+
+TEST(TolvanEvents, ClockTimeIsHandedOnAsTimeT)
+{
+    CleanDoc doc;
+    Recorder recorder;
+    EXPECT_EQ(serve(doc, recorder, "<cfg><clock><date>2024-05-06</date><time>07:08:09</time></clock></cfg>"),
+              (Calls{"OnSetTime"}));
+    EXPECT_EQ(recorder.set_time, doc.Conf().Cfg().Clock().TimeDate());
+
+    CleanDoc bad;
+    Recorder unused;
+    bad.SetListener(&unused);
+    std::istringstream in(tolvan("<cfg><clock><date>2024/05/06</date></clock></cfg>"));
+    std::ostringstream out;
+    EXPECT_THROW(bad.configure_and_send_events(in, out), std::runtime_error);
+}
+
+}  // namespace
