@@ -4,6 +4,8 @@
 // The tags of a document are the instrument's wire vocabulary. Accessors follow the tags, one per
 // child, and return the node: doc.Conf().Cfg().Clock().Zone().get_str().
 
+#include <istream>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -66,4 +68,36 @@ public:
 
 private:
     Model _conf;
+};
+
+/// A document that tells its listeners, in the order of their names, when a message changed it:
+/// the instrument's side of the protocol. The model node supplies `ResetCommands()`, which sets
+/// its command bools back to false before each message.
+template <class Model>
+class ListenedDocument : public Document<Model> {
+public:
+    void AddListener(const std::string& name, ConfigurableListener* listener) { _listeners[name] = listener; }
+    void RemoveListener(const std::string& name) { _listeners.erase(name); }
+
+    /// If the document has changed, hands every listener an event whose source is the document.
+    void NotifyListeners()
+    {
+        if (!this->has_changed())
+            return;
+        const ConfigurableEvent event{this};
+        for (auto& entry : _listeners)
+            entry.second->GotChanged(event);
+    }
+
+    /// Serves one message: commands back to false, configure, then notify if anything changed.
+    std::istream& configure_and_send_events(std::istream& in, std::ostream& out)
+    {
+        this->Conf().ResetCommands();
+        this->configure(in, out);
+        NotifyListeners();
+        return in;
+    }
+
+private:
+    std::map<std::string, ConfigurableListener*> _listeners;
 };

@@ -1,0 +1,210 @@
+#pragma once
+// The one live link to one instrument: its socket, its document replica, the latest value of
+// every data field, its log file and its listeners. Windows share a Connector through the
+// registry: Factory gives the second window on an instrument the first one's connector.
+//
+// The stream interleaves XML lines (first byte "<", applied to the document) and data lines:
+// a record name and fields separated by white space, checked by an 8-bit sum in the last three
+// characters. A header record ("DATAH") names the fields of its data record ("DATA").
+
+#include <QObject>
+#include <QAbstractSocket>
+
+#include <deque>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "link/connectortype.h"
+#include "link/delimparser.h"
+#include "link/variablestring.h"
+
+class QTcpSocket;
+class QTimer;
+class QWidget;
+class LogDialog;
+
+/// The classes of record names.
+enum RecordKind {
+    RecData,      ///< values named by a header, checksummed
+    RecStat,      ///< the same, carrying the diagnostic word
+    RecClock,     ///< a time stamp
+    RecTest,      ///< like RecData, hexadecimal fields allowed
+    RecHeader,    ///< names the fields of a data record
+    RecWaveform,  ///< a sampled curve, passed on whole
+    RecEvent,     ///< an event line
+    RecUnit,      ///< unit words
+    RecRaw,       ///< a raw capture chunk, passed on whole
+    RecUnknown,   ///< ignored
+};
+
+class Connector : public QObject {
+    Q_OBJECT
+
+public:
+    /// Told about records as they arrive; every operation does nothing unless overridden.
+    /// A listener must not register or unregister from inside a notification.
+    class Listener {
+    public:
+        virtual ~Listener() = default;
+        virtual void GotConnectorEvent(Connector&, std::string /*record*/, std::string /*event*/, std::string /*rest*/) {}
+        virtual void GotConnectorHeader(Connector&, std::string /*record*/) {}
+        virtual void GotConnectorUnit(Connector&, std::string /*record*/) {}
+        /// For listeners of "*H": any header.
+        virtual void GotConnectorHeaderMatch(Connector&, std::string /*record*/) {}
+        virtual void GotConnectorData(Connector&, std::string /*record*/) {}
+        /// After every listener of the record has had GotConnectorData.
+        virtual void GotConnectorDataPostUpdate(Connector&, std::string /*record*/) {}
+        virtual void GotConnectorTime(Connector&, std::string /*record*/, std::string /*time*/) {}
+        virtual void GotConnectorWaveform(Connector&, std::string /*record*/, std::string /*line*/) {}
+        virtual void GotConnectorRawData(Connector&, std::string /*record*/, std::string /*line*/) {}
+    };
+
+    /// Shows a connection failure: a message box unless replaced (tests replace it; null restores it).
+    using MessageBoxFunction = std::function<void(QWidget* parent, const QString& title, const QString& text)>;
+    static void SetMessageBox(MessageBoxFunction show);
+
+    /// The connector registered for the host part of `name`, made with `type` if there is none.
+    /// A registered connector that nobody else holds and that logs nothing is replaced.
+    static std::shared_ptr<Connector> Factory(QWidget* parent, const std::string& name, const std::string& type);
+    /// The connector of the host part of `spec`, or null.
+    static std::shared_ptr<Connector> LookupConnector(const std::string& spec);
+    static void LookupAndRegisterListener(const std::string& spec, Listener* listener);
+    /// Removes the listener from every registered connector.
+    static void LookupAndUnRegisterListener(Listener* listener);
+    /// The latest text of host:record:field; empty for an unknown host.
+    static std::string LookupVarString(const std::string& spec);
+    /// (time, value) of host:record:field; (0, 0) for an unknown host.
+    static std::pair<double, double> LookupVarNumeric(const std::string& spec);
+
+    Connector(QWidget* parent, const std::string& name, const std::string& type);
+    ~Connector() override;
+
+    /// Listens to the record part of `spec`; "*H" listens to every header. A newcomer is told at
+    /// once about the headers that went by.
+    void RegisterListener(const std::string& spec, Listener* listener);
+    void UnRegisterListener(Listener* listener);
+
+    /// Queues a target and dials it when the socket is free. A failed dial falls through to the
+    /// next queued target; there is no reconnection.
+    void Connect(const std::string& address, int scope, int port);
+    void Disconnect();
+    /// The address last dialled, "169.254.1.2:4410" or "fe80::1%4:4410"; empty after Disconnect.
+    const std::string& ConnectedTo() const { return _connected_to; }
+    const std::string& Host() const { return _host; }
+    std::string Type() const { return _type->TypeName(); }
+
+    /// The document as its model's class; std::bad_cast for a connector of another model.
+    DocTolvan& Doc_Tolvan();
+    const DocTolvan& Doc_Tolvan() const;
+    DocMorvik& Doc_Morvik();
+    const DocMorvik& Doc_Morvik() const;
+    Configurable& Doc() { return _type->Doc(); }
+
+    /// The latest number of host:record:field; 0 when unknown.
+    double VarNumeric(const std::string& spec) const;
+    std::string VarString(const std::string& spec) const;
+    /// The latest field texts of a data record ("DATA").
+    const std::vector<std::string>& VarStrings(const std::string& spec) const;
+    /// The field names of a header record ("DATAH").
+    const std::vector<std::string>& Header(const std::string& spec) const;
+    const std::vector<std::string>& Unit(const std::string& spec) const;
+    /// The time of the latest record.
+    double Time() const { return _time; }
+
+    void SendClockSyncMessages(bool on);
+
+    void HandleData(const std::string& line);
+    void HandleXML(const std::string& line);
+    RecordKind RecordType(const std::string& name);
+    static bool VerifyCheckSum(const std::string& line);
+
+    // Logging: the stream's lines as they came, headers and events first.
+    void ShowLogDialog();
+    /// Opens (emptying) the file named by LogFileName and writes the stored events and headers.
+    void StartLoggingToFile();
+    void StopLoggingToFile();
+    /// In on-button mode, writes the latest line of every data record.
+    void LogDataNow();
+    bool IsLogging() const { return _log_file.is_open(); }
+    const std::string& LogFileName() const { return _log_file_name; }
+    void SetLogFileName(const std::string& name) { _log_file_name = name; }
+    bool LogContinuous() const { return _log_continuous; }
+    void SetLogContinuous(bool on) { _log_continuous = on; }
+    /// The line stored under an event name, or "".
+    std::string LookupEvent(const std::string& name) const;
+
+signals:
+    void Connected();
+    void Disconnected();
+    void GotXMLChanges();
+
+public slots:
+    void OnSocketRead();
+    void OnSocketError(QAbstractSocket::SocketError error);
+    void OnSocketConnected();
+    void OnSocketDisconnected();
+    void OnSendXMLChanges();
+    void OnSendRawXML(std::string text);
+    void OnSendXMLTimerTimeout();
+    void OnForceXMLUpdate();
+
+private:
+    struct _ConnectInfo {
+        std::string address;
+        int scope;
+        int port;
+    };
+    using Cells = ConnectorType::Cells;
+
+    void _TryConnect();
+    void _Connect(const std::string& address, int scope, int port);
+    void _Write(const std::string& text);
+    void _LogToFile(int kind, const std::string& record, const std::string& line);
+    void _UnpackDiagnostics();
+    void _HandleHeader(const std::string& record, const char* fields, const std::string& line);
+
+    void _NotifyListenersOfData(const std::string& record);
+    void _NotifyListenersOfHeader(const std::string& record);
+    void _NotifyListenersOfUnit(const std::string& record);
+    void _NotifyListenersOfTime(const std::string& record, const std::string& token);
+    void _NotifyListenersOfWaveform(const std::string& record, const std::string& line);
+    void _NotifyListenersOfEvent(const std::string& record, const std::string& event, const std::string& rest);
+    void _NotifyListenersOfRawData(const std::string& record, const std::string& line);
+    template <class Call>
+    void _Notify(const std::string& record, Call call);
+
+    static std::map<std::string, std::shared_ptr<Connector>>& _registry();
+
+    std::deque<_ConnectInfo> _connect_queue;
+    QWidget* _parent;
+    std::string _host;
+    std::unique_ptr<ConnectorType> _type;
+    std::string _connected_to;
+    QTcpSocket* _socket;
+    QTimer* _send_timer;
+    DelimParser _line_framer;
+
+    std::string _log_file_name;
+    std::ofstream _log_file;
+    LogDialog* _log_dialog = nullptr;
+    bool _log_continuous = true;
+    std::map<std::string, std::string> _last_data_lines;
+
+    std::map<std::string, RecordKind> _record_kinds;
+    std::map<std::string, std::vector<std::string>> _headers;
+    std::map<std::string, std::vector<std::string>> _units;
+    std::map<std::string, std::vector<std::string>> _strings;
+    std::map<std::string, double> _numerics;
+    std::map<std::string, Cells> _cells;
+    double _time = 0;
+    std::map<std::string, std::string> _lines;
+    unsigned _diagnostic_index = 0;
+    std::map<std::string, std::set<Listener*>> _listeners;
+    const std::vector<std::string> _empty;
+};
