@@ -1,0 +1,242 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "libskarn/docbremmel.h"
+#include "libskarn/docostrel.h"
+
+namespace {
+
+std::string reply(Configurable& node, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.configure(in, out);
+    return out.str();
+}
+
+std::string bremmel(const std::string& body)
+{
+    return "<arvex><bremmel>" + body + "</bremmel></arvex>";
+}
+
+std::string ost(const std::string& body)
+{
+    return "<arvex><ost>" + body + "</ost></arvex>";
+}
+
+/// A golden reply: one line; the line end at the end of the file is not part of it.
+std::string golden(const std::string& file)
+{
+    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
+    EXPECT_TRUE(in) << file;
+    std::string line;
+    std::getline(in, line);
+    return line;
+}
+
+/// Another test may have left its instrument's zones in the process-wide list.
+void reset_zones()
+{
+    ConfigTimezone zone;
+    std::istringstream in("UTC");
+    std::ostringstream err;
+    zone.read_doctype(in, err);
+}
+
+/// Records the listener calls of a served document.
+struct Recorder : ConfigurableListener {
+    std::string name;
+    std::vector<std::string>* log;
+    const Configurable* source = nullptr;
+
+    Recorder(const std::string& n, std::vector<std::string>& l) : name(n), log(&l) {}
+    void GotChanged(const ConfigurableEvent& event) override
+    {
+        log->push_back(name);
+        source = event.configurable;
+    }
+    void GotConfigureBegin(const ConfigurableEvent&) override {}
+    void GotConfigureEnd(const ConfigurableEvent&) override {}
+    void GotString(const ConfigurableEvent&, const std::string&) override {}
+    void GotWriteBegin(const ConfigurableEvent&) override {}
+    void GotWriteEnd(const ConfigurableEvent&) override {}
+};
+
+/// Serves one message as the instrument would; returns the reply.
+template <class Doc>
+std::string serve(Doc& doc, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    doc.configure_and_send_events(in, out);
+    return out.str();
+}
+
+// --- Bremmel ---
+
+TEST(Bremmel, FreshDocumentMatchesGoldenReplies)
+{
+    reset_zones();
+    DocBremmel doc;
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("bremmel_query.txt"));
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("bremmel_doctype.txt"));
+}
+
+TEST(Bremmel, BaudRatesAreClamped)
+{
+    struct Row {
+        const char* leaf;
+        const char* sent;
+        const char* stored;
+    } rows[] = {
+        {"sonicbaud", "0", "0"},
+        {"sonicbaud", "115200", "115200"},
+        {"sonicbaud", "115201", "115200"},
+        {"sonicbaud", "230400", "115200"},
+        {"gpsbaud", "-9600", "0"},
+        {"gpsbaud", "4800", "4800"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.leaf) + " " + row.sent);
+        DocBremmel doc;
+        const std::string leaf = row.leaf;
+        EXPECT_EQ(reply(doc, bremmel("<cfg><" + leaf + ">" + row.sent + "</" + leaf + "></cfg>")), "");
+        EXPECT_EQ(reply(doc, bremmel("<cfg><" + leaf + ">&query_item;</" + leaf + "></cfg>")), row.stored);
+    }
+}
+
+TEST(Bremmel, WatchWindowCommandsLastOneMessage)
+{
+    const char* commands[] = {"logusbstart", "logusbstop", "ejectusb", "reboot"};
+    for (const char* command : commands) {
+        SCOPED_TRACE(command);
+        DocBremmel doc;
+        doc._set_changed(false);
+        const std::string tag = command;
+        const std::string line = bremmel("<cmd><" + tag + ">true</" + tag + "></cmd>");
+        EXPECT_EQ(serve(doc, line + "\n"), "");
+        EXPECT_EQ(reply(doc, bremmel("<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "true");
+        std::ostringstream changes;
+        Configurable::set_compact(changes, true);
+        doc.changed(changes);
+        EXPECT_EQ(changes.str(), line);
+        EXPECT_FALSE(doc.Conf().IsConfigChanged());
+
+        serve(doc, bremmel("<name>logger</name>"));
+        EXPECT_EQ(reply(doc, bremmel("<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "false");
+    }
+}
+
+TEST(Bremmel, FactoryIsNoConfigChange)
+{
+    struct Row {
+        const char* message;
+        bool counts;
+    } rows[] = {
+        {"<factory><serialnumber>BR-0007</serialnumber></factory>", false},
+        {"<output><dataclock>true</dataclock></output>", true},
+        {"<cfg><gpstype>Garmin</gpstype></cfg>", true},
+        {"<ipaddress>10.1.1.1</ipaddress>", true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.message);
+        DocBremmel doc;
+        doc._set_changed(false);
+        reply(doc, bremmel(row.message));
+        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
+    }
+}
+
+TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
+{
+    std::vector<std::string> log;
+    Recorder second("second", log), first("first", log);
+    DocBremmel doc;
+    doc.AddListener("second", &second);
+    doc.AddListener("first", &first);
+    doc._set_changed(false);
+
+    serve(doc, "<arvex><quenta><name>x</name></quenta></arvex>");
+    serve(doc, bremmel("<cfg><sonicbaud>57600</sonicbaud></cfg>"));
+    EXPECT_TRUE(log.empty());
+
+    serve(doc, bremmel("<cfg><sonicbaud>9600</sonicbaud></cfg>"));
+    EXPECT_EQ(log, (std::vector<std::string>{"first", "second"}));
+    EXPECT_EQ(first.source, &doc);
+
+    doc.RemoveListener("first");
+    serve(doc, bremmel("<cfg><head>sonic-1</head></cfg>"));
+    EXPECT_EQ(log, (std::vector<std::string>{"first", "second", "second"}));
+}
+
+TEST(Bremmel, LabelMap)
+{
+    const auto& labels = ConfigBremmel::Labels();
+    EXPECT_EQ(labels.at("network"), "Network");
+    EXPECT_EQ(labels.at("cmd"), ":EXCLUDE:");
+    EXPECT_EQ(labels.at("clock"), ":EXCLUDE:");
+    // The logger's own settings show under their tags.
+    for (const char* tag : {"head", "sonicbaud", "gpsbaud", "gpstype", "output", "status", "dataclock"})
+        EXPECT_EQ(labels.count(tag), 0u) << tag;
+}
+
+// --- Ostrel ---
+
+TEST(Ostrel, FreshDocumentMatchesGoldenReplies)
+{
+    DocOstrel doc;
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("ostrel_query.txt"));
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("ostrel_doctype.txt"));
+}
+
+TEST(Ostrel, FlowIsAFraction)
+{
+    struct Row {
+        const char* sent;
+        float stored;
+    } rows[] = {{"1", 1}, {"1.5", 1}, {"0.25", 0.25f}, {"-0.5", 0}, {"0", 0}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.sent);
+        DocOstrel doc;
+        EXPECT_EQ(reply(doc, ost(std::string("<flow>") + row.sent + "</flow>")), "");
+        EXPECT_EQ(doc.Conf().Flow().get(), row.stored);
+    }
+}
+
+TEST(Ostrel, MessagesThatChangeNothing)
+{
+    const char* messages[] = {
+        "<arvex><ost><cmd><reboot>true</reboot></cmd></ost></arvex>",
+        "<arvex><ost><ack>false</ack><error>x</error><name>n</name><serialnumber>s</serialnumber></ost></arvex>",
+        "<arvex><ostrel><flow>1</flow></ostrel></arvex>",
+    };
+    for (const char* message : messages) {
+        SCOPED_TRACE(message);
+        std::vector<std::string> log;
+        Recorder recorder("r", log);
+        DocOstrel doc;
+        doc.AddListener("r", &recorder);
+        doc._set_changed(false);
+        EXPECT_EQ(serve(doc, message), "");
+        EXPECT_FALSE(doc.has_changed());
+        EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
+        EXPECT_TRUE(log.empty());
+    }
+}
+
+TEST(Ostrel, ServingResetsTheUnaddedCommand)
+{
+    DocOstrel doc;
+    doc.Conf().Cmd().Reboot().set(true);
+    serve(doc, ost("<flow>0.5</flow>"));
+    EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
+    EXPECT_EQ(doc.Conf().Flow().get(), 0.5f);
+}
+
+}  // namespace

@@ -1,0 +1,521 @@
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "libskarn/docdravik.h"
+
+namespace {
+
+std::string reply(Configurable& node, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.configure(in, out);
+    return out.str();
+}
+
+std::string query(Configurable& node, const std::string& path_open, const std::string& path_close)
+{
+    return reply(node, "<arvex><dravik>" + path_open + "&query_item;" + path_close + "</dravik></arvex>");
+}
+
+std::string changes(const Configurable& node)
+{
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.changed(out);
+    return out.str();
+}
+
+/// A golden reply: one line; the line end at the end of the file is not part of it.
+std::string golden(const std::string& file)
+{
+    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
+    EXPECT_TRUE(in) << file;
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
+        text.pop_back();
+    return text;
+}
+
+/// Another test may have left its instrument's zones in the process-wide list.
+void reset_zones()
+{
+    ConfigTimezone zone;
+    std::istringstream in("UTC");
+    std::ostringstream err;
+    zone.read_doctype(in, err);
+}
+
+TEST(DravikDocument, FreshDocumentMatchesGoldenReplies)
+{
+    reset_zones();
+    DocDravik doc;
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("dravik_query.txt"));
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("dravik_doctype.txt"));
+}
+
+TEST(DravikDocument, AckErrorAndTheSerialNumberView)
+{
+    DocDravik doc;
+    std::ostringstream ack;
+    Configurable::set_compact(ack, true);
+    doc.Ack(ack);
+    EXPECT_EQ(ack.str(), "<arvex><dravik><ack>true</ack></dravik></arvex>");
+    EXPECT_EQ(reply(doc, "<arvex><dravik><serialnumber>SKH-0001</serialnumber><ack>false</ack></dravik></arvex>"),
+              "");
+    EXPECT_TRUE(doc.Conf().Ack().get());
+    reply(doc, "<arvex><dravik><factory><serialnumber>SKH-0042</serialnumber></factory></dravik></arvex>");
+    EXPECT_EQ(query(doc, "<serialnumber>", "</serialnumber>"), "SKH-0042");
+}
+
+TEST(DravikLeaves, BoundsClampWithoutError)
+{
+    struct Row {
+        const char* open;
+        const char* close;
+        const char* sent;
+        const char* held;
+    } rows[] = {
+        // One control class serves quantities of very different scale.
+        {"<cfg><chamber_p>", "</chamber_p></cfg>", "<setpoint>1.5</setpoint>", "<setpoint>1</setpoint>"},
+        {"<cfg><flow>", "</flow></cfg>", "<setpoint>3000</setpoint>", "<setpoint>3000</setpoint>"},
+        {"<cfg><flow>", "</flow></cfg>", "<percent>-100</percent>", "<percent>-100</percent>"},
+        {"<cfg><co2>", "</co2></cfg>", "<percent>-1</percent>", "<percent>0</percent>"},
+        {"<cfg><mixingfan>", "</mixingfan></cfg>", "<setpoint>20001</setpoint>", "<setpoint>20000</setpoint>"},
+        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>-30</desiccant_percent>",
+         "<desiccant_percent>-30</desiccant_percent>"},
+        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>130</desiccant_percent>",
+         "<desiccant_percent>130</desiccant_percent>"},
+        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>-30.5</desiccant_percent>",
+         "<desiccant_percent>-30</desiccant_percent>"},
+        {"<cfg><h2o>", "</h2o></cfg>", "<setpoint>101</setpoint>", "<setpoint>100</setpoint>"},
+        {"<cfg><match>", "</match></cfg>", "<percents>-101</percents>", "<percents>-100</percents>"},
+        {"<cfg><match>", "</match></cfg>", "<co2_adj>-1e6</co2_adj>", "<co2_adj>-1e+06</co2_adj>"},
+        {"<cfg><heatx>", "</heatx></cfg>", "<setpoint>61</setpoint>", "<setpoint>60</setpoint>"},
+        {"<cfg><auxpower>", "</auxpower></cfg>", "<volts>20</volts>", "<volts>19.9</volts>"},
+        {"<output>", "</output>", "<avgtime>10.5</avgtime>", "<avgtime>10</avgtime>"},
+        // Every factory controller's ti has a floor above the light source's.
+        {"<factory><flow>", "</flow></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
+        {"<factory><heatx>", "</heatx></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
+        {"<factory><co2r>", "</co2r></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
+        {"<factory><chopper_temp>", "</chopper_temp></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
+        {"<factory><lightsource>", "</lightsource></factory>", "<ti>0.001</ti>", "<ti>0.001</ti>"},
+        {"<factory><co2s>", "</co2s></factory>", "<td>-1</td>", "<td>0</td>"},
+        {"<factory><chopper_motor>", "</chopper_motor></factory>", "<kd>256</kd>", "<kd>256</kd>"},
+        {"<factory><chopper_motor>", "</chopper_motor></factory>", "<kd>256.5</kd>", "<kd>256</kd>"},
+        {"<factory>", "</factory>", "<source_b>1801</source_b>", "<source_b>1800</source_b>"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.sent);
+        DocDravik doc;
+        const std::string open = std::string("<arvex><dravik>") + row.open;
+        const std::string close = std::string(row.close) + "</dravik></arvex>";
+        EXPECT_EQ(reply(doc, open + row.sent + close), "");
+        std::string ask = row.held;
+        ask.replace(ask.find('>') + 1, ask.rfind('<') - ask.find('>') - 1, "&query;");
+        EXPECT_EQ(reply(doc, open + ask + close), open + row.held + close);
+    }
+}
+
+TEST(DravikLeaves, ChoicesTakeOnlyTheirOptions)
+{
+    struct Row {
+        const char* message;
+        const char* error;
+    } rows[] = {
+        {"<cfg><h2o><control>setpoint-humidifier-percent</control></h2o></cfg>", nullptr},
+        {"<cfg><co2><control>setpoint-humidifier-percent</control></co2></cfg>", "control"},
+        {"<cfg><co2><cell>sample</cell></co2></cfg>", nullptr},
+        {"<cfg><pump><speed>minimum</speed></pump></cfg>", nullptr},
+        {"<cfg><scrub><mode>manual</mode></scrub></cfg>", nullptr},
+        {"<cfg><scrub><mode>minimum</mode></scrub></cfg>", "mode"},
+        {"<cfg><heatx><control>leafavg</control></heatx></cfg>", nullptr},
+        {"<cfg><lightsource><control>tracking</control></lightsource></cfg>", nullptr},
+        {"<output><rate>10</rate></output>", nullptr},
+        {"<output><rate>20</rate></output>", "rate"},
+        {"<factory><chopper_temp><control>auto</control></chopper_temp></factory>", "control"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.message);
+        DocDravik doc;
+        const std::string answer = reply(doc, std::string("<arvex><dravik>") + row.message + "</dravik></arvex>");
+        if (row.error)
+            EXPECT_EQ(answer.find(std::string("<Error Param=\"") + row.error + "\">"), 0u) << answer;
+        else
+            EXPECT_EQ(answer, "");
+    }
+}
+
+TEST(DravikCfg, CellIsAChildOnlyOfCo2AndH2o)
+{
+    DocDravik doc;
+    EXPECT_EQ(reply(doc, "<arvex><dravik><cfg><flow><cell>sample</cell></flow><co2><cell>sample</cell></co2>"
+                         "<h2o><cell>sample</cell></h2o></cfg></dravik></arvex>"),
+              "");
+    ConfigCfgDravik& cfg = doc.Conf().Cfg();
+    EXPECT_EQ(cfg.Flow().Cell().get(), 0);
+    EXPECT_EQ(cfg.Co2().Cell().get_string(), "sample");
+    EXPECT_EQ(cfg.H2o().Cell().get_string(), "sample");
+    EXPECT_EQ(cfg.Flow().children().size(), 3u);
+    EXPECT_EQ(cfg.Co2().children().size(), 4u);
+}
+
+TEST(DravikOutput, RateStartsAtTwoHertz)
+{
+    DocDravik doc;
+    ConfigRate& rate = doc.Conf().Output().Rate();
+    EXPECT_EQ(query(doc, "<output><rate>", "</rate></output>"), "2");
+    EXPECT_EQ(rate.get_rate(), 2);
+    EXPECT_EQ(rate.rates(), (std::vector<int>{0, 1, 2, 5, 10}));
+    reply(doc, "<arvex><dravik><output><rate>0</rate></output></dravik></arvex>");
+    EXPECT_EQ(rate.get_rate(), 0);
+}
+
+TEST(DravikFactory, SectionsHoldTheirOwnDefaults)
+{
+    DocDravik doc;
+    ConfigFactoryDravik& factory = doc.Conf().Factory();
+    EXPECT_EQ(factory.Chopper_temp().Control().get_string(), "on");
+    EXPECT_EQ(factory.Heatx().children().size(), 3u);
+    EXPECT_EQ(factory.Flow().children().size(), 2u);
+    EXPECT_EQ(factory.Cal().name(), "cal");
+    EXPECT_EQ(factory.Cal().Type().get(), "Factory");
+    EXPECT_EQ(query(doc, "<factory><heatx>", "</heatx></factory>"),
+              "<kp>10</kp><ti>5</ti><gamma_tcm>false</gamma_tcm>");
+    EXPECT_EQ(query(doc, "<factory><h2os>", "</h2os></factory>"), "<kp>0.7</kp><ti>1</ti><td>0</td>");
+}
+
+TEST(DravikModel, IsConfigChangedCountsSettingsOnly)
+{
+    struct Row {
+        const char* message;
+        bool counts;
+    } rows[] = {
+        {"<output><status>true</status></output>", true},
+        {"<cfg><match><percent>1</percent></match></cfg>", true},
+        {"<cal><oxygen>20</oxygen></cal>", true},
+        {"<history><record><time>5</time></record></history>", true},
+        {"<factory><caldate>2016-01-06</caldate></factory>", true},
+        {"<ver>1.0</ver>", true},
+        {"<name>head</name>", true},
+        {"<ipaddress>10.0.0.2</ipaddress>", true},
+        {"<fpga>2.0</fpga>", false},
+        {"<dsp>3.0</dsp>", false},
+        {"<cmd><poll>true</poll></cmd>", false},
+        {"<run><runnow>go</runnow></run>", false},
+        {"<run><scripts><script><name>a</name></script></scripts></run>", false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.message);
+        DocDravik doc;
+        doc._set_changed(false);
+        EXPECT_FALSE(doc.Conf().IsConfigChanged());
+        EXPECT_EQ(reply(doc, std::string("<arvex><dravik>") + row.message + "</dravik></arvex>"), "");
+        EXPECT_TRUE(doc.Conf().has_changed());
+        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
+    }
+}
+
+TEST(DravikModel, CommandLinesOfTheDialogs)
+{
+    struct Row {
+        const char* line;
+        ConfigurableBool& (*command)(DocDravik&);
+    } rows[] = {
+        {"<arvex><dravik><cmd><co2azero>true</co2azero></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Co2azero(); }},
+        {"<arvex><dravik><cmd><h2obzero>true</h2obzero></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().H2obzero(); }},
+        {"<arvex><dravik><cal><h2oaspanconc2>21.5</h2oaspanconc2></cal><cmd><h2oaspan2>true</h2oaspan2></cmd>"
+         "</dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().H2oaspan2(); }},
+        {"<arvex><dravik><cmd><ssb_reset>true</ssb_reset></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Ssb_reset(); }},
+        {"<arvex><dravik><cmd><reboot>true</reboot></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Reboot(); }},
+        {"<arvex><dravik><cmd><disconnectlightsource>true</disconnectlightsource></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Disconnectlightsource(); }},
+        {"<arvex><dravik><cmd><poweron>true</poweron></cmd></dravik></arvex>\n",
+         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Poweron(); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.line);
+        DocDravik doc;
+        doc._set_changed(false);
+        EXPECT_EQ(reply(doc, row.line), "");
+        EXPECT_TRUE(row.command(doc).get());
+        std::string expected = row.line;
+        expected.pop_back();
+        EXPECT_EQ(changes(doc), expected);
+    }
+    DocDravik doc;
+    reply(doc, rows[2].line);
+    EXPECT_EQ(doc.Conf().Cal().H2oaspanconc2().get(), 21.5f);
+}
+
+class Recorder : public ConfigurableListener {
+public:
+    Recorder(std::vector<std::string>& log, const char* name) : _log(log), _name(name) {}
+    void GotChanged(const ConfigurableEvent& event) override
+    {
+        _log.push_back(_name + (event.configurable->name() == "arvex" ? "" : "?"));
+    }
+    void GotConfigureBegin(const ConfigurableEvent&) override {}
+    void GotConfigureEnd(const ConfigurableEvent&) override {}
+    void GotString(const ConfigurableEvent&, const std::string&) override {}
+    void GotWriteBegin(const ConfigurableEvent&) override {}
+    void GotWriteEnd(const ConfigurableEvent&) override {}
+
+private:
+    std::vector<std::string>& _log;
+    std::string _name;
+};
+
+TEST(DravikEvents, CommandsLastOneMessageAndListenersHearChanges)
+{
+    DocDravik doc;
+    std::vector<std::string> log;
+    Recorder zeta(log, "zeta"), alpha(log, "alpha");
+    doc.AddListener("zeta", &zeta);
+    doc.AddListener("alpha", &alpha);
+    doc._set_changed(false);
+
+    std::istringstream poll("<arvex><dravik><cmd><poweroff>true</poweroff></cmd></dravik></arvex>");
+    std::ostringstream out;
+    doc.configure_and_send_events(poll, out);
+    EXPECT_TRUE(doc.Conf().Cmd().Poweroff().get());
+    EXPECT_EQ(log, (std::vector<std::string>{"alpha", "zeta"}));
+
+    doc._set_changed(false);
+    log.clear();
+    std::istringstream other("<arvex><dravik><name>head</name></dravik></arvex>");
+    doc.configure_and_send_events(other, out);
+    EXPECT_FALSE(doc.Conf().Cmd().Poweroff().get());
+    EXPECT_EQ(log.size(), 2u);
+
+    // The reset of the commands is no change of its own: a message that changes nothing is silent.
+    doc._set_changed(false);
+    log.clear();
+    std::istringstream same("<arvex><dravik><name>head</name></dravik></arvex>");
+    doc.configure_and_send_events(same, out);
+    EXPECT_TRUE(log.empty());
+    EXPECT_EQ(out.str(), "");
+}
+
+TEST(DravikLabels, KeysAsTheDialogLooksThemUp)
+{
+    const auto& labels = ConfigDravik::Labels();
+    const std::pair<const char*, const char*> rows[] = {
+        {"flow", "Flow"},           {"cmd", ":EXCLUDE:"},         {"clock", ":EXCLUDE:"},
+        {"irga_b/h2o", "IRGA B - H2O"}, {"irga/co2", "IRGA - CO2"}, {"f", "Fx"},
+        {"u2", "ux2"},              {"h2obspan2", "H2OB Span2"},  {"tbzero", "TCell B Zero"},
+        {"type", "Type"},           {"chamber", "Chamber"},       {"inlet_temp", "Has IRGA Inlet Temp Sensors"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.first);
+        ASSERT_EQ(labels.count(row.first), 1u);
+        EXPECT_EQ(labels.at(row.first), row.second);
+    }
+    EXPECT_EQ(labels.count("kd"), 0u);
+    EXPECT_EQ(labels.count("co2aspan2a"), 0u);
+}
+
+// --- calibration history ---
+
+std::vector<std::string> types(const ConfigCalHistoryDravik& history)
+{
+    std::vector<std::string> result;
+    for (const Configurable* child : history.children())
+        result.push_back(static_cast<const ConfigCalRecordDravik*>(child)->Type().get());
+    return result;
+}
+
+void add_record(ConfigCalHistoryDravik& history, long time, const std::string& type)
+{
+    auto* record = new ConfigCalRecordDravik(time, type, 21, 1, 1, 0, 1, 1, 0, 1, 1, 0, 1, 1, 0, 0, 0, 1, 0, 0,
+                                             2.5f, 50000, 50000);
+    history.add(*record);
+}
+
+TEST(DravikCalHistory, ClearOldRecordsKeepsTheLastOfEachKindInKindOrder)
+{
+    struct Row {
+        std::vector<std::string> before;
+        std::vector<std::string> after;
+    } rows[] = {
+        {{"A:1", "A:2", "B:1"}, {"A:2", "B:1"}},
+        {{"B", "A:x", "A", "B:y"}, {"A", "B:y"}},
+        {{"CO2A Zero", "CO2A Zero:late", "CO2A Zero x"}, {"CO2A Zero:late", "CO2A Zero x"}},
+        {{"", ":a", "", "Z"}, {"", "Z"}},
+        {{}, {}},
+    };
+    for (const Row& row : rows) {
+        ConfigCalHistoryDravik history;
+        long time = 100;
+        for (const std::string& type : row.before)
+            add_record(history, time++, type);
+        history.ClearOldRecords();
+        EXPECT_EQ(types(history), row.after);
+    }
+}
+
+TEST(DravikCalHistory, SurvivorsKeepTheirValuesAndTag)
+{
+    DocDravik doc;
+    ConfigCalHistoryDravik& history = doc.Conf().History();
+    add_record(history, 10, "H2OA Span1:old");
+    add_record(history, 20, "H2OA Span1:new");
+    static_cast<ConfigCalRecordDravik*>(history.children().back())->Ssb_ref().set(123);
+    history.ClearOldRecords();
+    EXPECT_EQ(query(doc, "<history>", "</history>"),
+              "<record><time>20</time><type>H2OA Span1:new</type><oxygen>21</oxygen><co2azero>1</co2azero>"
+              "<co2aspan1>1</co2aspan1><co2aspan2>0</co2aspan2><co2bzero>1</co2bzero><co2bspan1>1</co2bspan1>"
+              "<co2bspan2>0</co2bspan2><h2oazero>1</h2oazero><h2oaspan1>1</h2oaspan1><h2oaspan2>0</h2oaspan2>"
+              "<h2obzero>1</h2obzero><h2obspan1>1</h2obspan1><h2obspan2>0</h2obspan2><tazero>0</tazero>"
+              "<tbzero>0</tbzero><flowmeterzero>1</flowmeterzero><flowazero>0</flowazero><flowbzero>0</flowbzero>"
+              "<chamberpressurezero>2.5</chamberpressurezero><ssa_ref>50000</ssa_ref><ssb_ref>123</ssb_ref>"
+              "</record>");
+}
+
+TEST(DravikCalHistory, AMessageReplacesTheListAndTimeReadsLocalDates)
+{
+    DocDravik doc;
+    add_record(doc.Conf().History(), 1, "old");
+    EXPECT_EQ(reply(doc, "<arvex><dravik><history><record><time>2016-01-06 09:27:23</time><type>CO2A Zero</type>"
+                         "</record><record><time>7</time></record></history></dravik></arvex>"),
+              "");
+    std::tm local{};
+    local.tm_year = 116;
+    local.tm_mon = 0;
+    local.tm_mday = 6;
+    local.tm_hour = 9;
+    local.tm_min = 27;
+    local.tm_sec = 23;
+    local.tm_isdst = -1;
+    const std::time_t expected = std::mktime(&local);
+    EXPECT_EQ(types(doc.Conf().History()), (std::vector<std::string>{"CO2A Zero", ""}));
+    const auto* first = static_cast<const ConfigCalRecordDravik*>(doc.Conf().History().children().front());
+    EXPECT_EQ(first->Time().get(), expected);
+    EXPECT_EQ(first->name(), "record");
+}
+
+TEST(DravikCalHistory, RecordsAreTheSameByTimeAlone)
+{
+    ConfigCalHistoryDravik history;
+    add_record(history, 50, "A");
+    ConfigCalRecordDravik key("record", "B");
+    key.Time().set(50);
+    EXPECT_NE(history.find(key), nullptr);
+    key.Time().set(51);
+    EXPECT_EQ(history.find(key), nullptr);
+}
+
+TEST(DravikCalHistory, CopiesCarryValuesFlagsAndName)
+{
+    ConfigCalRecordDravik original("cal", "Factory");
+    original.Co2bspan2().set(0.5f);
+    original._set_changed(false);
+    original.Tazero().set(1.25f);
+    const ConfigCalRecordDravik copy(original);
+    EXPECT_EQ(copy.name(), "cal");
+    EXPECT_EQ(copy.Type().get(), "Factory");
+    EXPECT_TRUE(copy.has_changed());
+    ConfigCalRecordDravik target("record");
+    target = copy;
+    EXPECT_EQ(target.name(), "record");
+    EXPECT_EQ(target.Co2bspan2().get(), 0.5f);
+    EXPECT_EQ(target.Tazero().get(), 1.25f);
+    EXPECT_FALSE(target.Co2bspan2().has_changed());
+    EXPECT_TRUE(target.Tazero().has_changed());
+}
+
+// --- scripts ---
+
+TEST(DravikScripts, CodecOfTheThreeEntities)
+{
+    struct Row {
+        std::string stored;
+        std::string text;
+    } rows[] = {
+        {"a&tab;b&eol;c&amper;d", "a\tb\nc&d"},
+        {"\r&eol;", "\r\n"},
+        {"x&tab", "x\t"},                       // the end of the text closes the name
+        {"x&bogus;y", std::string("x\0y", 3)},  // an unknown name gives NUL
+        {"&;", std::string(1, '\0')},
+        {"&TAB;", std::string(1, '\0')},        // names are case sensitive
+        {"x&", "x"},
+        {"", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.stored);
+        EXPECT_EQ(DecodeScriptText(row.stored), row.text);
+    }
+    const std::string text = "if x &&\ty\n\tgo\r\n&amper;";
+    EXPECT_EQ(EncodeScriptText(text), "if x &amper;&amper;&tab;y&eol;&tab;go\r&eol;&amper;amper;");
+    EXPECT_EQ(DecodeScriptText(EncodeScriptText(text)), text);
+}
+
+TEST(DravikScripts, CodeAndRunNowAreStoredEscaped)
+{
+    DocDravik doc;
+    ConfigRun& run = doc.Conf().Run();
+    run.SetRunNow("a\tb");
+    EXPECT_EQ(run.RunNow(), "a\tb");
+    ConfigScript& script = run.Scripts().AddScript("s1");
+    script.SetCode("x\ny&");
+    EXPECT_EQ(script.Code(), "x\ny&");
+    EXPECT_EQ(query(doc, "<run>", "</run>"),
+              "<scripts><script ondata onmatch><name>s1</name><code>x&eol;y&amper;</code></script></scripts>"
+              "<runnow>a&tab;b</runnow>");
+    // The escaped form crosses the wire as it stands, both ways.
+    EXPECT_EQ(reply(doc, "<arvex><dravik><run><runnow>&amper;&eol;</runnow></run></dravik></arvex>"), "");
+    EXPECT_EQ(run.RunNow(), "&\n");
+}
+
+TEST(DravikScripts, ListOperationsByName)
+{
+    ConfigScripts scripts;
+    ConfigScript& first = scripts.AddScript("dup");
+    scripts.AddScript("other");
+    ConfigScript& second = scripts.AddScript("dup");
+    EXPECT_EQ(first.name(), "script");
+    EXPECT_EQ(scripts.LookupScript("dup"), &first);
+    EXPECT_NE(scripts.LookupScript("dup"), &second);
+    EXPECT_EQ(scripts.LookupScript(""), nullptr);
+    EXPECT_FALSE(scripts.ScriptExists("Dup"));
+
+    scripts.RenameScript("other", "dup");
+    scripts.RenameScript("none", "x");
+    EXPECT_EQ(scripts.children().size(), 3u);
+    scripts._set_changed(false);
+    scripts.DelScript("dup");
+    EXPECT_TRUE(scripts.children().empty());
+    EXPECT_FALSE(scripts.has_changed());
+
+    scripts.AddScript("");
+    EXPECT_TRUE(scripts.ScriptExists(""));
+    const ConfigScripts& view = scripts;
+    EXPECT_EQ(view.LookupScript("")->Name().get(), "");
+}
+
+TEST(DravikScripts, ConditionsTravelAsAttributes)
+{
+    DocDravik doc;
+    EXPECT_EQ(reply(doc, "<arvex><dravik><run><scripts><script ondata=\"DATAH\" onmatch=\"1\"><name>a</name>"
+                         "<code>go</code></script><script><name>b</name></script></scripts></run></dravik></arvex>"),
+              "");
+    const ConfigScripts& scripts = doc.Conf().Run().Scripts();
+    ASSERT_EQ(scripts.children().size(), 2u);
+    EXPECT_EQ(query(doc, "<run><scripts>", "</scripts></run>"),
+              "<script ondata=\"DATAH\" onmatch=\"1\"><name>a</name><code>go</code></script>"
+              "<script ondata onmatch><name>b</name><code/></script>");
+    EXPECT_EQ(scripts.LookupScript("a")->Code(), "go");
+}
+
+}  // namespace

@@ -1,0 +1,289 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "libskarn/dochalden.h"
+
+namespace {
+
+std::string reply(Configurable& node, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.configure(in, out);
+    return out.str();
+}
+
+std::string halden(const std::string& body)
+{
+    return "<arvex><halden>" + body + "</halden></arvex>";
+}
+
+/// The path "cfg/measure/outrate" around `text`: <cfg><measure><outrate>text</outrate>...
+std::string wrap(const std::string& path, const std::string& text)
+{
+    const size_t slash = path.find('/');
+    const std::string tag = path.substr(0, slash);
+    const std::string inner = slash == std::string::npos ? text : wrap(path.substr(slash + 1), text);
+    return "<" + tag + ">" + inner + "</" + tag + ">";
+}
+
+/// A golden reply: one line; the line end at the end of the file is not part of it.
+std::string golden(const std::string& file)
+{
+    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
+    EXPECT_TRUE(in) << file;
+    std::string line;
+    std::getline(in, line);
+    return line;
+}
+
+/// Another test may have left its instrument's zones in the process-wide list.
+void reset_zones()
+{
+    ConfigTimezone zone;
+    std::istringstream in("UTC");
+    std::ostringstream err;
+    zone.read_doctype(in, err);
+}
+
+/// A fresh document with every changed flag cleared, as after a first exchange.
+struct CleanDoc : DocHalden {
+    CleanDoc() { _set_changed(false); }
+};
+
+TEST(Halden, FreshDocumentMatchesGoldenReplies)
+{
+    reset_zones();
+    DocHalden doc;
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("halden_query.txt"));
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("halden_doctype.txt"));
+}
+
+TEST(Halden, BoundsOfTheSettings)
+{
+    struct Row {
+        const char* path;
+        const char* sent;
+        const char* stored;
+    } rows[] = {
+        // The flashes' percent has no bounds; the light source's has.
+        {"cfg/rectflash/D_red_percent", "150", "150"},
+        {"cfg/inductionflash/D_red_percent", "-20", "-20"},
+        {"cfg/multiphaseflash/D_red_percent", "150", "150"},
+        {"cfg/lightsource/D_red_percent", "150", "100"},
+        {"cfg/lightsource/D_farred_percent", "-1", "0"},
+        {"cfg/lightsource/red_mix", "7.5", "7.5"},
+        {"cfg/multiphaseflash/ramp", "101", "100"},
+        {"cfg/measure/D_modred_percent", "-3", "0"},
+        {"cfg/measure/outrate", "0", "1"},
+        {"cfg/darkpulse/outrate", "10001", "10000"},
+        {"cfg/darkpulse/before", "-1", "0"},
+        {"cfg/darkpulse/duration", "86400", "86400"},
+        {"cfg/rectflash/duration", "3001", "3000"},
+        {"cfg/fan_freq", "0", "1"},
+        {"cfg/fan_duty", "101", "100"},
+        {"cfg/rawdatacapture/size", "-5", "0"},
+        {"cal/DC0", "-70000", "-70000"},
+        // The bias bounds are inclusive.
+        {"factory/bias/red_offset", "4096", "4096"},
+        {"factory/bias/modred_bias", "4097", "4096"},
+        {"factory/bias/red_precharge_time", "3", "2.55"},
+        {"factory/calibration/u_modred", "-2.5", "-2.5"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.path) + " " + row.sent);
+        DocHalden doc;
+        EXPECT_EQ(reply(doc, halden(wrap(row.path, row.sent))), "");
+        EXPECT_EQ(reply(doc, halden(wrap(row.path, "&query_item;"))), row.stored);
+    }
+}
+
+TEST(Halden, ChoicesTakeOnlyTheirOptions)
+{
+    struct Row {
+        const char* path;
+        const char* sent;
+        const char* stored;
+        const char* error;  // "" for none
+    } rows[] = {
+        {"cfg/measure/dark_modrate", "125000", "125000", ""},
+        {"cfg/measure/dark_modrate", "100000", "1", "invalid option: 100000\n"},
+        {"cfg/measure/flash_modrate", "250000", "250000", ""},
+        {"cfg/measure/control", "test", "off", "invalid option: test\n"},
+        {"cfg/lightsource/control", "test", "test", ""},
+        {"cfg/lightsource/control", "tracking", "off", "invalid option: tracking\n"},
+        {"cfg/fan_mode", "percent", "percent", ""},
+        {"cfg/fan_mode", "on", "auto", "invalid option: on\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.path) + " " + row.sent);
+        DocHalden doc;
+        const std::string path = row.path;
+        const std::string tag = path.substr(path.rfind('/') + 1);
+        const std::string error = *row.error ? "<Error Param=\"" + tag + "\">" + row.error + "</Error>" : "";
+        EXPECT_EQ(reply(doc, halden(wrap(row.path, row.sent))), error);
+        EXPECT_EQ(reply(doc, halden(wrap(row.path, "&query_item;"))), row.stored);
+    }
+}
+
+TEST(Halden, InductionFlashHasNoOutrate)
+{
+    CleanDoc doc;
+    EXPECT_EQ(reply(doc, halden("<cfg><inductionflash><outrate>50</outrate></inductionflash></cfg>")), "");
+    EXPECT_FALSE(doc.has_changed());
+    EXPECT_EQ(doc.Conf().Cfg().Inductionflash().Outrate().get(), 1);
+    reply(doc, halden("<cfg><rectflash><outrate>50</outrate></rectflash></cfg>"));
+    EXPECT_EQ(doc.Conf().Cfg().Rectflash().Outrate().get(), 50);
+}
+
+TEST(Halden, HistoryIsNoConfigChange)
+{
+    struct Row {
+        const char* message;
+        bool counts;
+    } rows[] = {
+        {"<history><record><time>2016-01-06 09:27:23.00</time><type>zero_dc0</type><DC0>5</DC0><Pc0>0</Pc0>"
+         "</record></history>",
+         false},
+        {"<cmd><rect>true</rect></cmd>", false},
+        {"<cal><Pc0>12</Pc0></cal>", true},
+        {"<output><datarawcapture>true</datarawcapture></output>", true},
+        {"<cfg><measure><dark_modrate>20</dark_modrate></measure></cfg>", true},
+        {"<factory><bias><red_bias>3000</red_bias></bias></factory>", true},
+        {"<fpga>1.4</fpga><dsp>2.0</dsp>", false},
+        {"<ver>3.1</ver>", true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.message);
+        CleanDoc doc;
+        EXPECT_EQ(reply(doc, halden(row.message)), "");
+        EXPECT_TRUE(doc.has_changed());
+        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
+    }
+}
+
+TEST(Halden, HistoryRecordsFromTheWire)
+{
+    DocHalden doc;
+    EXPECT_EQ(reply(doc, halden("<history><record><time>2016-01-06 09:27:23.50</time><type>zero_dc0:auto</type>"
+                                "<DC0>-5</DC0><Pc0>7</Pc0></record><record><type>zero_pc0</type></record>"
+                                "</history>")),
+              "");
+    const auto& records = doc.Conf().History().children();
+    ASSERT_EQ(records.size(), 2u);
+    auto& first = dynamic_cast<ConfigCalRecordHalden&>(*records.front());
+    EXPECT_EQ(first.name(), "record");
+    EXPECT_EQ(first.Type().get(), "zero_dc0:auto");
+    EXPECT_EQ(first.DC0().get(), -5);
+    EXPECT_EQ(first.Pc0().get(), 7);
+    EXPECT_EQ(reply(doc, halden("<history>&query;</history>")),
+              halden("<history><record><time>2016-01-06 09:27:23.5</time><type>zero_dc0:auto</type><DC0>-5</DC0>"
+                     "<Pc0>7</Pc0></record><record><time>1989-01-01 00:00:00</time><type>zero_pc0</type>"
+                     "<DC0>0</DC0><Pc0>0</Pc0></record></history>"));
+}
+
+/// The history as "type DC0" pairs, in list order.
+std::vector<std::string> history_of(ConfigCalHistoryHalden& history)
+{
+    std::vector<std::string> entries;
+    for (Configurable* child : history.children()) {
+        auto& record = dynamic_cast<ConfigCalRecordHalden&>(*child);
+        entries.push_back(record.Type().get() + " " + std::to_string(record.DC0().get()));
+    }
+    return entries;
+}
+
+TEST(Halden, ClearOldRecordsKeepsTheLastOfEachKind)
+{
+    struct Row {
+        std::vector<std::string> types;  // in list order; DC0 is the position in the list
+        std::vector<std::string> kept;
+    } rows[] = {
+        {{}, {}},
+        {{"A", "A", "B"}, {"A 1", "B 2"}},
+        {{"zero_pc0", "zero_dc0", "zero_pc0"}, {"zero_dc0 1", "zero_pc0 2"}},
+        // The kind is the text before the first ":".
+        {{"zero_dc0", "zero_dc0:after reboot"}, {"zero_dc0:after reboot 1"}},
+        {{"zero_dc0:x", "zero_dc0"}, {"zero_dc0 1"}},
+        {{"zero", "zero_dc0"}, {"zero 0", "zero_dc0 1"}},
+        {{"", "B", ""}, {" 2", "B 1"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.types));
+        DocHalden doc;
+        ConfigCalHistoryHalden& history = doc.Conf().History();
+        for (size_t i = 0; i < row.types.size(); ++i)
+            history.add(*new ConfigCalRecordHalden(Timestamp(1000.0 + i), row.types[i], int64_t(i), 0));
+        history.ClearOldRecords();
+        EXPECT_EQ(history_of(history), row.kept);
+    }
+}
+
+TEST(Halden, RawCaptureLineSwitchesTheRecordOnAndStartsOnce)
+{
+    DocHalden doc;
+    const std::string line =
+        "<arvex><halden><output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true</rawcapture>"
+        "</cmd></halden></arvex>\n";
+    std::istringstream in(line);
+    std::ostringstream out;
+    doc.configure_and_send_events(in, out);
+    EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());
+    EXPECT_TRUE(doc.Conf().Cmd().Rawcapture().get());
+
+    std::istringstream next(halden("<cfg><rawdatacapture><when>flash</when></rawdatacapture></cfg>"));
+    doc.configure_and_send_events(next, out);
+    EXPECT_FALSE(doc.Conf().Cmd().Rawcapture().get());
+    EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());
+    EXPECT_EQ(out.str(), "");
+}
+
+TEST(Halden, FactoryLabelsExtendThePlainOnes)
+{
+    const auto& plain = ConfigHalden::Labels();
+    const auto& factory = ConfigHalden::FactoryLabels();
+    for (const auto& entry : plain) {
+        SCOPED_TRACE(entry.first);
+        ASSERT_EQ(factory.count(entry.first), 1u);
+        EXPECT_EQ(factory.at(entry.first), entry.second);
+    }
+    struct Row {
+        const char* key;
+        const char* plain;    // null: no entry
+        const char* factory;  // null: no entry
+    } rows[] = {
+        {"serialnumber", "Serial Number", "Serial Number"},
+        {"calibration", "Calibration", "Calibration"},
+        {"bias", nullptr, "Factory Bias"},
+        {"F_modred", nullptr, "Red Modulating Pc Span (Fm)"},
+        {"red_precharge_time", nullptr, "Red Actinic Precharge Time"},
+        {"rawdatacapture", ":EXCLUDE:", ":EXCLUDE:"},
+        {"clock", ":EXCLUDE:", ":EXCLUDE:"},
+        {"D_blue_percent", "Blue Actinic Percent (Db)", "Blue Actinic Percent (Db)"},
+        {"Q_modred_setpoint", "Modulating Red Peak Setpoint (Qm_pk)", "Modulating Red Peak Setpoint (Qm_pk)"},
+        {"DC0", nullptr, nullptr},
+        {"redmodon", nullptr,
+         ":BTN:Red Mod On:<arvex><halden><cmd><redmodon>true</redmodon></cmd></halden></arvex>\n"},
+        {"testvectoff", nullptr,
+         ":BTN:Test Vect Off:<arvex><halden><cmd><testvectoff>true</testvectoff></cmd></halden></arvex>\n"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.key);
+        EXPECT_EQ(plain.count(row.key), row.plain ? 1u : 0u);
+        EXPECT_EQ(factory.count(row.key), row.factory ? 1u : 0u);
+        if (row.plain && plain.count(row.key)) {
+            EXPECT_EQ(plain.at(row.key), row.plain);
+        }
+        if (row.factory && factory.count(row.key)) {
+            EXPECT_EQ(factory.at(row.key), row.factory);
+        }
+    }
+    EXPECT_EQ(factory.size(), plain.size() + 26);
+}
+
+}  // namespace

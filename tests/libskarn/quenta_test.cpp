@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "libskarn/docquenta.h"
+
+namespace {
+
+std::string reply(Configurable& node, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    node.configure(in, out);
+    return out.str();
+}
+
+std::string quenta(const std::string& body)
+{
+    return "<arvex><quenta>" + body + "</quenta></arvex>";
+}
+
+/// The path "cfg/flow/pump_percent" around `text`: <cfg><flow><pump_percent>text</pump_percent>...
+std::string wrap(const std::string& path, const std::string& text)
+{
+    const size_t slash = path.find('/');
+    const std::string tag = path.substr(0, slash);
+    const std::string inner = slash == std::string::npos ? text : wrap(path.substr(slash + 1), text);
+    return "<" + tag + ">" + inner + "</" + tag + ">";
+}
+
+/// A golden reply: one line; the line end at the end of the file is not part of it.
+std::string golden(const std::string& file)
+{
+    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
+    EXPECT_TRUE(in) << file;
+    std::string line;
+    std::getline(in, line);
+    return line;
+}
+
+/// Another test may have left its instrument's zones in the process-wide list.
+void reset_zones()
+{
+    ConfigTimezone zone;
+    std::istringstream in("UTC");
+    std::ostringstream err;
+    zone.read_doctype(in, err);
+}
+
+/// A fresh document with every changed flag cleared, as after a first exchange.
+struct CleanDoc : DocQuenta {
+    CleanDoc() { _set_changed(false); }
+};
+
+TEST(Quenta, FreshDocumentMatchesGoldenReplies)
+{
+    reset_zones();
+    DocQuenta doc;
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("quenta_query.txt"));
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("quenta_doctype.txt"));
+}
+
+TEST(Quenta, BoundsOfTheSettings)
+{
+    struct Row {
+        const char* path;
+        const char* sent;
+        const char* stored;
+    } rows[] = {
+        // The valves overshoot their physical 0 to 100 on purpose.
+        {"cfg/humidifier/percent", "-30", "-30"},
+        {"cfg/humidifier/percent", "130", "130"},
+        {"cfg/desiccant/percent", "-30.5", "-30"},
+        {"cfg/desiccant/percent", "131", "130"},
+        // The injector takes -1, just below its working range, and no less.
+        {"cfg/injector/co2_injector_percent", "-1", "-1"},
+        {"cfg/injector/co2_injector_percent", "-2", "-1"},
+        {"cfg/injector/co2_injector_percent", "100.5", "100"},
+        {"cfg/flow/pump_percent", "-1", "0"},
+        {"cfg/flow/humidity_pressure_percent", "101", "100"},
+        {"cfg/dacs/dac4", "-5.5", "-5"},
+        {"cfg/dacs/dac1", "4.99", "4.99"},
+        {"cfg/lightsource/transmittance", "1.2", "1"},
+        {"factory/pump/minimum/pressure_percent", "120", "100"},
+        // Each margin has its own range, whatever the others hold.
+        {"factory/humidifier/low", "194", "193"},
+        {"factory/humidifier/high", "450", "451"},
+        {"factory/desiccant/max", "300", "547"},
+        {"factory/desiccant/max", "645", "644"},
+        {"factory/lightsource/ti", "0", "0.001"},
+        {"factory/lightsource/rate", "61", "60"},
+        {"cal/zero", "-12345.5", "-12345.5"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.path) + " " + row.sent);
+        DocQuenta doc;
+        EXPECT_EQ(reply(doc, quenta(wrap(row.path, row.sent))), "");
+        EXPECT_EQ(reply(doc, quenta(wrap(row.path, "&query_item;"))), row.stored);
+    }
+}
+
+TEST(Quenta, Ch1PullupWorksUnderItsTagThoughTheLabelMissesIt)
+{
+    CleanDoc doc;
+    EXPECT_EQ(reply(doc, quenta("<cfg><gpio><ch1_pullup>on</ch1_pullup></gpio></cfg>")), "");
+    EXPECT_EQ(doc.Conf().Cfg().Gpio().Ch1_pullup().get_string(), "on");
+    EXPECT_TRUE(doc.Conf().IsConfigChanged());
+    const auto& labels = ConfigQuenta::Labels();
+    EXPECT_EQ(labels.count("ch1_pullup"), 0u);
+    EXPECT_EQ(labels.count("adc_ch1_pullup"), 1u);
+}
+
+TEST(Quenta, GpioPinsAreReachedByNumber)
+{
+    DocQuenta doc;
+    ConfigCfgGpio& gpio = doc.Conf().Cfg().Gpio();
+    EXPECT_EQ(reply(doc, quenta("<cfg><gpio><io1>high</io1><io8>low</io8><io3>floating</io3></gpio></cfg>")),
+              "<Error Param=\"io3\">invalid option: floating\n</Error>");
+    EXPECT_EQ(gpio.Io(1).name(), "io1");
+    EXPECT_EQ(gpio.Io(1).get_string(), "high");
+    EXPECT_EQ(gpio.Io(8).get_string(), "low");
+    EXPECT_EQ(gpio.Io(3).get_string(), "input");
+    EXPECT_THROW(gpio.Io(0), std::out_of_range);
+    EXPECT_THROW(gpio.Io(9), std::out_of_range);
+}
+
+TEST(Quenta, TreeHasNoBoxNoHistoryAndAOneElementCal)
+{
+    CleanDoc doc;
+    EXPECT_EQ(reply(doc, quenta("<box><output><status>true</status></output></box><history><record><type>x</type>"
+                                "</record></history><cal><history/></cal><output><rate>5</rate></output>")),
+              "");
+    EXPECT_FALSE(doc.has_changed());
+    EXPECT_EQ(reply(doc, quenta("<cal>&query;</cal>")), quenta("<cal><zero>0</zero></cal>"));
+}
+
+TEST(Quenta, OnlySettingsCountAsConfigChanges)
+{
+    struct Row {
+        const char* message;
+        bool counts;
+    } rows[] = {
+        {"<cfg><head>dravik-0042</head></cfg>", true},
+        {"<factory><humidifier><low>40</low></humidifier></factory>", true},
+        {"<ver>2.1.0</ver>", true},
+        {"<name>console</name>", true},
+        {"<ipaddress>10.0.0.2</ipaddress>", true},
+        {"<cal><zero>3</zero></cal>", false},
+        {"<output><status>true</status></output>", false},
+        {"<cmd><reboot>true</reboot></cmd>", false},
+        {"<cfg><head>auto</head></cfg>", false},  // the value it already has
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.message);
+        CleanDoc doc;
+        EXPECT_FALSE(doc.Conf().IsConfigChanged());
+        reply(doc, quenta(row.message));
+        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
+    }
+    // A changed serial number counts through the view at the model level.
+    CleanDoc doc;
+    doc.Conf().Serialnumber()._set_changed(true);
+    EXPECT_TRUE(doc.Conf().IsConfigChanged());
+}
+
+TEST(Quenta, LightSourceCommandsLastOneMessage)
+{
+    DocQuenta doc;
+    doc._set_changed(false);
+    const std::string line = quenta("<cmd><connectlightsource>true</connectlightsource></cmd>");
+    std::ostringstream out;
+    std::istringstream in(line + "\n");
+    doc.configure_and_send_events(in, out);
+    EXPECT_TRUE(doc.Conf().Cmd().Connectlightsource().get());
+    std::ostringstream changes;
+    Configurable::set_compact(changes, true);
+    doc.changed(changes);
+    EXPECT_EQ(changes.str(), line);
+
+    std::istringstream next(quenta("<cmd><disconnectlightsource>true</disconnectlightsource></cmd>"));
+    doc.configure_and_send_events(next, out);
+    EXPECT_FALSE(doc.Conf().Cmd().Connectlightsource().get());
+    EXPECT_TRUE(doc.Conf().Cmd().Disconnectlightsource().get());
+    EXPECT_EQ(out.str(), "");
+}
+
+TEST(Quenta, LabelMap)
+{
+    const auto& labels = ConfigQuenta::Labels();
+    struct Row {
+        const char* key;
+        const char* label;  // null: no entry
+    } rows[] = {
+        {"cmd", ":EXCLUDE:"},
+        {"clock", ":EXCLUDE:"},
+        {"pump", ":EXCLUDE:"},
+        {"pump/high", "Pump - High"},
+        {"pump/minimum", "Pump - Minimum"},
+        {"u0", "ux0"},
+        {"u1", nullptr},
+        {"u2", nullptr},
+        {"zero", nullptr},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.key);
+        const auto it = labels.find(row.key);
+        if (!row.label)
+            EXPECT_EQ(it, labels.end());
+        else if (it == labels.end())
+            ADD_FAILURE() << "missing";
+        else
+            EXPECT_EQ(it->second, row.label);
+    }
+}
+
+}  // namespace
