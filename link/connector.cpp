@@ -262,10 +262,17 @@ void Connector::_NotifyListenersOfRawData(const std::string& record, const std::
 
 // --- Values ---
 
-DocTolvan& Connector::Doc_Tolvan() { return dynamic_cast<DocTolvan&>(_type->Doc()); }
-const DocTolvan& Connector::Doc_Tolvan() const { return dynamic_cast<const DocTolvan&>(_type->Doc()); }
-DocMorvik& Connector::Doc_Morvik() { return dynamic_cast<DocMorvik&>(_type->Doc()); }
-const DocMorvik& Connector::Doc_Morvik() const { return dynamic_cast<const DocMorvik&>(_type->Doc()); }
+#define SONDAR_DOC_ACCESSORS(Model)                                                                  \
+    Doc##Model& Connector::Doc_##Model() { return dynamic_cast<Doc##Model&>(_type->Doc()); }            \
+    const Doc##Model& Connector::Doc_##Model() const { return dynamic_cast<const Doc##Model&>(_type->Doc()); }
+SONDAR_DOC_ACCESSORS(Tolvan)
+SONDAR_DOC_ACCESSORS(Morvik)
+SONDAR_DOC_ACCESSORS(Halden)
+SONDAR_DOC_ACCESSORS(Dravik)
+SONDAR_DOC_ACCESSORS(Quenta)
+SONDAR_DOC_ACCESSORS(Bremmel)
+SONDAR_DOC_ACCESSORS(Ostrel)
+#undef SONDAR_DOC_ACCESSORS
 
 double Connector::VarNumeric(const std::string& spec) const
 {

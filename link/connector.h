@@ -102,8 +102,18 @@ public:
     /// The document as its model's class; std::bad_cast for a connector of another model.
     DocTolvan& Doc_Tolvan();
     const DocTolvan& Doc_Tolvan() const;
-    DocMorvik& Doc_Morvik();
+    DocMorvik& Doc_Morvik();  ///< the Morvik and the Sarnel
     const DocMorvik& Doc_Morvik() const;
+    DocHalden& Doc_Halden();
+    const DocHalden& Doc_Halden() const;
+    DocDravik& Doc_Dravik();
+    const DocDravik& Doc_Dravik() const;
+    DocQuenta& Doc_Quenta();
+    const DocQuenta& Doc_Quenta() const;
+    DocBremmel& Doc_Bremmel();
+    const DocBremmel& Doc_Bremmel() const;
+    DocOstrel& Doc_Ostrel();
+    const DocOstrel& Doc_Ostrel() const;
     Configurable& Doc() { return _type->Doc(); }
 
     /// The latest number of host:record:field; 0 when unknown.

@@ -6,7 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "libskarn/docbremmel.h"
+#include "libskarn/docdravik.h"
+#include "libskarn/dochalden.h"
 #include "libskarn/docmorvik.h"
+#include "libskarn/docostrel.h"
+#include "libskarn/docquenta.h"
 #include "libskarn/doctolvan.h"
 
 class ConnectorType {
@@ -79,4 +84,58 @@ public:
 class TypeSarnel : public TypeMorvik {
 public:
     std::string TypeName() const override { return "sarnel"; }
+};
+
+/// Records and test records carry their time in cell 0.
+template <class D>
+class TypeTimeInFirstCell : public TypeWithDoc<D> {
+public:
+    double RecordTime(const std::string&, const ConnectorType::Cells& cells) override
+    {
+        return ConnectorType::Cell(cells, 0);
+    }
+    double TestRecordTime(const std::string&, const ConnectorType::Cells& cells) override
+    {
+        return ConnectorType::Cell(cells, 0);
+    }
+};
+
+/// The Halden speaks as a Dravik.
+class TypeHalden : public TypeTimeInFirstCell<DocHalden> {
+public:
+    std::string TypeName() const override { return "dravik"; }
+    std::string OutputSelection() const override;
+};
+
+/// The Quenta speaks as a Dravik.
+class TypeQuenta : public TypeTimeInFirstCell<DocQuenta> {
+public:
+    std::string TypeName() const override { return "dravik"; }
+    std::string OutputSelection() const override;
+};
+
+class TypeOstrel : public TypeTimeInFirstCell<DocOstrel> {
+public:
+    std::string TypeName() const override { return "ostrel"; }
+    std::string OutputSelection() const override { return "<arvex></arvex>\n"; }
+};
+
+/// Only DATA carries the time; other records are stamped with the last DATA's.
+class TypeDravik : public TypeWithDoc<DocDravik> {
+public:
+    std::string TypeName() const override { return "dravik"; }
+    double RecordTime(const std::string& record, const Cells& cells) override;
+    double TestRecordTime(const std::string&, const Cells& cells) override { return Cell(cells, 0); }
+    std::string OutputSelection() const override;
+
+private:
+    double _data_time = 0;
+};
+
+/// DATA has seconds and nanoseconds in cells 2 and 3, other records in cells 0 and 1.
+class TypeBremmel : public TypeCountingTests<DocBremmel> {
+public:
+    std::string TypeName() const override { return "bremmel"; }
+    double RecordTime(const std::string& record, const Cells& cells) override;
+    std::string OutputSelection() const override;
 };
