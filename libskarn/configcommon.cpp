@@ -229,6 +229,8 @@ ConfigFactoryCmd::ConfigFactoryCmd() : ConfigurableComposite("cmd")
     add(_rollback);
 }
 
+ConfigCmdReboot::ConfigCmdReboot() : ConfigurableComposite("cmd") { add(_reboot); }
+
 // --- Light source ---
 
 ConfigLightSource::ConfigLightSource() : ConfigurableComposite("lightsource")

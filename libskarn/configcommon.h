@@ -148,6 +148,17 @@ private:
     ConfigurableBool _rollback{"rollback", false};
 };
 
+/// The one-shot commands of a model whose only command is a restart, tag `cmd`.
+class ConfigCmdReboot : public ConfigurableComposite {
+public:
+    ConfigCmdReboot();
+
+    ConfigurableBool& Reboot() { return _reboot; }
+
+private:
+    ConfigurableBool _reboot{"reboot", false};
+};
+
 /// "off", "percent", "setpoint" or "tracking".
 class ConfigLightSourceMode : public ConfigurableMultipleChoice {
 public:

@@ -7,11 +7,6 @@ ConfigCfgMorvik::ConfigCfgMorvik() : ConfigurableComposite("cfg")
     add(_network);
 }
 
-ConfigCmdMorvik::ConfigCmdMorvik() : ConfigurableComposite("cmd")
-{
-    add(_reboot);
-}
-
 ConfigFactoryMorvik::ConfigFactoryMorvik() : ConfigurableComposite("factory")
 {
     add(_serialnumber);

@@ -21,17 +21,6 @@ private:
     ConfigCfgNetwork _network;
 };
 
-/// One-shot commands, tag `cmd`.
-class ConfigCmdMorvik : public ConfigurableComposite {
-public:
-    ConfigCmdMorvik();
-
-    ConfigurableBool& Reboot() { return _reboot; }
-
-private:
-    ConfigurableBool _reboot{"reboot", false};
-};
-
 /// The factory commands are those of every factory section.
 using ConfigFactoryCmdMorvik = ConfigFactoryCmd;
 
@@ -66,14 +55,14 @@ public:
     ConfigMorvik();
 
     ConfigCfgMorvik& Cfg() { return _cfg; }
-    ConfigCmdMorvik& Cmd() { return _cmd; }
+    ConfigCmdReboot& Cmd() { return _cmd; }
     ConfigFactoryMorvik& Factory() { return _factory; }
     /// Not part of the tree; see ConfigCPLDMorvik.
     ConfigCPLDMorvik& Cpld() { return _cpld; }
 
 private:
     ConfigCfgMorvik _cfg;
-    ConfigCmdMorvik _cmd;
+    ConfigCmdReboot _cmd;
     ConfigFactoryMorvik _factory;
     ConfigCPLDMorvik _cpld;
 };

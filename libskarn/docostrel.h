@@ -5,19 +5,8 @@
 #include <ostream>
 #include <string>
 
+#include "libskarn/configcommon.h"
 #include "libskarn/document.h"
-
-/// One-shot commands, tag `cmd`. The model keeps the object but never adds it: a `cmd` on the wire
-/// is skipped, and only the reset before each message touches it.
-class ConfigCmdOstrel : public ConfigurableComposite {
-public:
-    ConfigCmdOstrel();
-
-    ConfigurableBool& Reboot() { return _reboot; }
-
-private:
-    ConfigurableBool _reboot{"reboot", false};
-};
 
 /// The model node, tag "ost". Unlike the other models it has no identity nodes, no ack and no error.
 class ConfigOstrel : public ConfigurableComposite {
@@ -26,15 +15,16 @@ public:
 
     /// A fraction from 0 to 1.
     ConfigurableFloat& Flow() { return _flow; }
-    /// Not part of the tree; see ConfigCmdOstrel.
-    ConfigCmdOstrel& Cmd() { return _cmd; }
+    /// One-shot commands. The model keeps the object but never adds it: a `cmd` on the wire is
+    /// skipped, and only the reset before each message touches it.
+    ConfigCmdReboot& Cmd() { return _cmd; }
 
     /// Sets the commands back to false.
     void ResetCommands() { _cmd.set_to_default(); }
 
 private:
     ConfigurableFloat _flow{"flow", 0, 0, 1, false};
-    ConfigCmdOstrel _cmd;
+    ConfigCmdReboot _cmd;
 };
 
 /// The Ostrel document, root `arvex`. It has no ack and no error node to print.

@@ -1,52 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "libskarn/docbremmel.h"
 #include "libskarn/docostrel.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
-
-std::string reply(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
-
-std::string bremmel(const std::string& body)
-{
-    return "<arvex><bremmel>" + body + "</bremmel></arvex>";
-}
-
-std::string ost(const std::string& body)
-{
-    return "<arvex><ost>" + body + "</ost></arvex>";
-}
-
-/// A golden reply: one line; the line end at the end of the file is not part of it.
-std::string golden(const std::string& file)
-{
-    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
-    EXPECT_TRUE(in) << file;
-    std::string line;
-    std::getline(in, line);
-    return line;
-}
-
-/// Another test may have left its instrument's zones in the process-wide list.
-void reset_zones()
-{
-    ConfigTimezone zone;
-    std::istringstream in("UTC");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
-}
 
 /// Records the listener calls of a served document.
 struct Recorder : ConfigurableListener {
@@ -106,8 +68,8 @@ TEST(Bremmel, BaudRatesAreClamped)
         SCOPED_TRACE(std::string(row.leaf) + " " + row.sent);
         DocBremmel doc;
         const std::string leaf = row.leaf;
-        EXPECT_EQ(reply(doc, bremmel("<cfg><" + leaf + ">" + row.sent + "</" + leaf + "></cfg>")), "");
-        EXPECT_EQ(reply(doc, bremmel("<cfg><" + leaf + ">&query_item;</" + leaf + "></cfg>")), row.stored);
+        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">" + row.sent + "</" + leaf + "></cfg>")), "");
+        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">&query_item;</" + leaf + "></cfg>")), row.stored);
     }
 }
 
@@ -119,17 +81,17 @@ TEST(Bremmel, WatchWindowCommandsLastOneMessage)
         DocBremmel doc;
         doc._set_changed(false);
         const std::string tag = command;
-        const std::string line = bremmel("<cmd><" + tag + ">true</" + tag + "></cmd>");
+        const std::string line = envelope("bremmel", "<cmd><" + tag + ">true</" + tag + "></cmd>");
         EXPECT_EQ(serve(doc, line + "\n"), "");
-        EXPECT_EQ(reply(doc, bremmel("<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "true");
+        EXPECT_EQ(reply(doc, envelope("bremmel", "<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "true");
         std::ostringstream changes;
         Configurable::set_compact(changes, true);
         doc.changed(changes);
         EXPECT_EQ(changes.str(), line);
         EXPECT_FALSE(doc.Conf().IsConfigChanged());
 
-        serve(doc, bremmel("<name>logger</name>"));
-        EXPECT_EQ(reply(doc, bremmel("<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "false");
+        serve(doc, envelope("bremmel", "<name>logger</name>"));
+        EXPECT_EQ(reply(doc, envelope("bremmel", "<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "false");
     }
 }
 
@@ -148,7 +110,7 @@ TEST(Bremmel, FactoryIsNoConfigChange)
         SCOPED_TRACE(row.message);
         DocBremmel doc;
         doc._set_changed(false);
-        reply(doc, bremmel(row.message));
+        reply(doc, envelope("bremmel", row.message));
         EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
     }
 }
@@ -163,15 +125,15 @@ TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
     doc._set_changed(false);
 
     serve(doc, "<arvex><quenta><name>x</name></quenta></arvex>");
-    serve(doc, bremmel("<cfg><sonicbaud>57600</sonicbaud></cfg>"));
+    serve(doc, envelope("bremmel", "<cfg><sonicbaud>57600</sonicbaud></cfg>"));
     EXPECT_TRUE(log.empty());
 
-    serve(doc, bremmel("<cfg><sonicbaud>9600</sonicbaud></cfg>"));
+    serve(doc, envelope("bremmel", "<cfg><sonicbaud>9600</sonicbaud></cfg>"));
     EXPECT_EQ(log, (std::vector<std::string>{"first", "second"}));
     EXPECT_EQ(first.source, &doc);
 
     doc.RemoveListener("first");
-    serve(doc, bremmel("<cfg><head>sonic-1</head></cfg>"));
+    serve(doc, envelope("bremmel", "<cfg><head>sonic-1</head></cfg>"));
     EXPECT_EQ(log, (std::vector<std::string>{"first", "second", "second"}));
 }
 
@@ -204,7 +166,7 @@ TEST(Ostrel, FlowIsAFraction)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.sent);
         DocOstrel doc;
-        EXPECT_EQ(reply(doc, ost(std::string("<flow>") + row.sent + "</flow>")), "");
+        EXPECT_EQ(reply(doc, envelope("ost", std::string("<flow>") + row.sent + "</flow>")), "");
         EXPECT_EQ(doc.Conf().Flow().get(), row.stored);
     }
 }
@@ -234,7 +196,7 @@ TEST(Ostrel, ServingResetsTheUnaddedCommand)
 {
     DocOstrel doc;
     doc.Conf().Cmd().Reboot().set(true);
-    serve(doc, ost("<flow>0.5</flow>"));
+    serve(doc, envelope("ost", "<flow>0.5</flow>"));
     EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
     EXPECT_EQ(doc.Conf().Flow().get(), 0.5f);
 }

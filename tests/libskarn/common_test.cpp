@@ -8,31 +8,13 @@
 #include <string>
 
 #include "libskarn/configcommon.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
-
-/// Sends one message to `node` and returns the compact reply.
-std::string reply(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
 
 std::string query(Configurable& node, const char* entity = "&query;")
 {
     return reply(node, "<" + node.name() + ">" + entity + "</" + node.name() + ">");
-}
-
-/// Puts the process-wide zone list back as it starts, so that no test leaks its zones.
-void reset_zones()
-{
-    ConfigTimezone zone;
-    std::istringstream in("UTC");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
 }
 
 /// A root holding the sections under test, as a model node would.

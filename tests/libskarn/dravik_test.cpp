@@ -1,23 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "libskarn/docdravik.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
-
-std::string reply(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
 
 std::string query(Configurable& node, const std::string& path_open, const std::string& path_close)
 {
@@ -30,26 +21,6 @@ std::string changes(const Configurable& node)
     Configurable::set_compact(out, true);
     node.changed(out);
     return out.str();
-}
-
-/// A golden reply: one line; the line end at the end of the file is not part of it.
-std::string golden(const std::string& file)
-{
-    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
-    EXPECT_TRUE(in) << file;
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
-        text.pop_back();
-    return text;
-}
-
-/// Another test may have left its instrument's zones in the process-wide list.
-void reset_zones()
-{
-    ConfigTimezone zone;
-    std::istringstream in("UTC");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
 }
 
 TEST(DravikDocument, FreshDocumentMatchesGoldenReplies)

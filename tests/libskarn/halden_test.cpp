@@ -1,60 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "libskarn/dochalden.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
 
-std::string reply(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
-
-std::string halden(const std::string& body)
-{
-    return "<arvex><halden>" + body + "</halden></arvex>";
-}
-
-/// The path "cfg/measure/outrate" around `text`: <cfg><measure><outrate>text</outrate>...
-std::string wrap(const std::string& path, const std::string& text)
-{
-    const size_t slash = path.find('/');
-    const std::string tag = path.substr(0, slash);
-    const std::string inner = slash == std::string::npos ? text : wrap(path.substr(slash + 1), text);
-    return "<" + tag + ">" + inner + "</" + tag + ">";
-}
-
-/// A golden reply: one line; the line end at the end of the file is not part of it.
-std::string golden(const std::string& file)
-{
-    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
-    EXPECT_TRUE(in) << file;
-    std::string line;
-    std::getline(in, line);
-    return line;
-}
-
-/// Another test may have left its instrument's zones in the process-wide list.
-void reset_zones()
-{
-    ConfigTimezone zone;
-    std::istringstream in("UTC");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
-}
-
-/// A fresh document with every changed flag cleared, as after a first exchange.
-struct CleanDoc : DocHalden {
-    CleanDoc() { _set_changed(false); }
-};
+using CleanDoc = Clean<DocHalden>;
 
 TEST(Halden, FreshDocumentMatchesGoldenReplies)
 {
@@ -98,8 +53,8 @@ TEST(Halden, BoundsOfTheSettings)
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.path) + " " + row.sent);
         DocHalden doc;
-        EXPECT_EQ(reply(doc, halden(wrap(row.path, row.sent))), "");
-        EXPECT_EQ(reply(doc, halden(wrap(row.path, "&query_item;"))), row.stored);
+        EXPECT_EQ(reply(doc, envelope("halden", wrap(row.path, row.sent))), "");
+        EXPECT_EQ(reply(doc, envelope("halden", wrap(row.path, "&query_item;"))), row.stored);
     }
 }
 
@@ -126,18 +81,18 @@ TEST(Halden, ChoicesTakeOnlyTheirOptions)
         const std::string path = row.path;
         const std::string tag = path.substr(path.rfind('/') + 1);
         const std::string error = *row.error ? "<Error Param=\"" + tag + "\">" + row.error + "</Error>" : "";
-        EXPECT_EQ(reply(doc, halden(wrap(row.path, row.sent))), error);
-        EXPECT_EQ(reply(doc, halden(wrap(row.path, "&query_item;"))), row.stored);
+        EXPECT_EQ(reply(doc, envelope("halden", wrap(row.path, row.sent))), error);
+        EXPECT_EQ(reply(doc, envelope("halden", wrap(row.path, "&query_item;"))), row.stored);
     }
 }
 
 TEST(Halden, InductionFlashHasNoOutrate)
 {
     CleanDoc doc;
-    EXPECT_EQ(reply(doc, halden("<cfg><inductionflash><outrate>50</outrate></inductionflash></cfg>")), "");
+    EXPECT_EQ(reply(doc, envelope("halden", "<cfg><inductionflash><outrate>50</outrate></inductionflash></cfg>")), "");
     EXPECT_FALSE(doc.has_changed());
     EXPECT_EQ(doc.Conf().Cfg().Inductionflash().Outrate().get(), 1);
-    reply(doc, halden("<cfg><rectflash><outrate>50</outrate></rectflash></cfg>"));
+    reply(doc, envelope("halden", "<cfg><rectflash><outrate>50</outrate></rectflash></cfg>"));
     EXPECT_EQ(doc.Conf().Cfg().Rectflash().Outrate().get(), 50);
 }
 
@@ -161,7 +116,7 @@ TEST(Halden, HistoryIsNoConfigChange)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.message);
         CleanDoc doc;
-        EXPECT_EQ(reply(doc, halden(row.message)), "");
+        EXPECT_EQ(reply(doc, envelope("halden", row.message)), "");
         EXPECT_TRUE(doc.has_changed());
         EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
     }
@@ -170,9 +125,9 @@ TEST(Halden, HistoryIsNoConfigChange)
 TEST(Halden, HistoryRecordsFromTheWire)
 {
     DocHalden doc;
-    EXPECT_EQ(reply(doc, halden("<history><record><time>2016-01-06 09:27:23.50</time><type>zero_dc0:auto</type>"
-                                "<DC0>-5</DC0><Pc0>7</Pc0></record><record><type>zero_pc0</type></record>"
-                                "</history>")),
+    EXPECT_EQ(reply(doc, envelope("halden", "<history><record><time>2016-01-06 09:27:23.50</time>"
+                                            "<type>zero_dc0:auto</type><DC0>-5</DC0><Pc0>7</Pc0></record>"
+                                            "<record><type>zero_pc0</type></record></history>")),
               "");
     const auto& records = doc.Conf().History().children();
     ASSERT_EQ(records.size(), 2u);
@@ -181,10 +136,10 @@ TEST(Halden, HistoryRecordsFromTheWire)
     EXPECT_EQ(first.Type().get(), "zero_dc0:auto");
     EXPECT_EQ(first.DC0().get(), -5);
     EXPECT_EQ(first.Pc0().get(), 7);
-    EXPECT_EQ(reply(doc, halden("<history>&query;</history>")),
-              halden("<history><record><time>2016-01-06 09:27:23.5</time><type>zero_dc0:auto</type><DC0>-5</DC0>"
-                     "<Pc0>7</Pc0></record><record><time>1989-01-01 00:00:00</time><type>zero_pc0</type>"
-                     "<DC0>0</DC0><Pc0>0</Pc0></record></history>"));
+    EXPECT_EQ(reply(doc, envelope("halden", "<history>&query;</history>")),
+              envelope("halden", "<history><record><time>2016-01-06 09:27:23.5</time><type>zero_dc0:auto</type>"
+                                 "<DC0>-5</DC0><Pc0>7</Pc0></record><record><time>1989-01-01 00:00:00</time>"
+                                 "<type>zero_pc0</type><DC0>0</DC0><Pc0>0</Pc0></record></history>"));
 }
 
 /// The history as "type DC0" pairs, in list order.
@@ -236,7 +191,7 @@ TEST(Halden, RawCaptureLineSwitchesTheRecordOnAndStartsOnce)
     EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());
     EXPECT_TRUE(doc.Conf().Cmd().Rawcapture().get());
 
-    std::istringstream next(halden("<cfg><rawdatacapture><when>flash</when></rawdatacapture></cfg>"));
+    std::istringstream next(envelope("halden", "<cfg><rawdatacapture><when>flash</when></rawdatacapture></cfg>"));
     doc.configure_and_send_events(next, out);
     EXPECT_FALSE(doc.Conf().Cmd().Rawcapture().get());
     EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());

@@ -1,60 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include "libskarn/docquenta.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
 
-std::string reply(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
-
-std::string quenta(const std::string& body)
-{
-    return "<arvex><quenta>" + body + "</quenta></arvex>";
-}
-
-/// The path "cfg/flow/pump_percent" around `text`: <cfg><flow><pump_percent>text</pump_percent>...
-std::string wrap(const std::string& path, const std::string& text)
-{
-    const size_t slash = path.find('/');
-    const std::string tag = path.substr(0, slash);
-    const std::string inner = slash == std::string::npos ? text : wrap(path.substr(slash + 1), text);
-    return "<" + tag + ">" + inner + "</" + tag + ">";
-}
-
-/// A golden reply: one line; the line end at the end of the file is not part of it.
-std::string golden(const std::string& file)
-{
-    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
-    EXPECT_TRUE(in) << file;
-    std::string line;
-    std::getline(in, line);
-    return line;
-}
-
-/// Another test may have left its instrument's zones in the process-wide list.
-void reset_zones()
-{
-    ConfigTimezone zone;
-    std::istringstream in("UTC");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
-}
-
-/// A fresh document with every changed flag cleared, as after a first exchange.
-struct CleanDoc : DocQuenta {
-    CleanDoc() { _set_changed(false); }
-};
+using CleanDoc = Clean<DocQuenta>;
 
 TEST(Quenta, FreshDocumentMatchesGoldenReplies)
 {
@@ -98,15 +53,15 @@ TEST(Quenta, BoundsOfTheSettings)
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.path) + " " + row.sent);
         DocQuenta doc;
-        EXPECT_EQ(reply(doc, quenta(wrap(row.path, row.sent))), "");
-        EXPECT_EQ(reply(doc, quenta(wrap(row.path, "&query_item;"))), row.stored);
+        EXPECT_EQ(reply(doc, envelope("quenta", wrap(row.path, row.sent))), "");
+        EXPECT_EQ(reply(doc, envelope("quenta", wrap(row.path, "&query_item;"))), row.stored);
     }
 }
 
 TEST(Quenta, Ch1PullupWorksUnderItsTagThoughTheLabelMissesIt)
 {
     CleanDoc doc;
-    EXPECT_EQ(reply(doc, quenta("<cfg><gpio><ch1_pullup>on</ch1_pullup></gpio></cfg>")), "");
+    EXPECT_EQ(reply(doc, envelope("quenta", "<cfg><gpio><ch1_pullup>on</ch1_pullup></gpio></cfg>")), "");
     EXPECT_EQ(doc.Conf().Cfg().Gpio().Ch1_pullup().get_string(), "on");
     EXPECT_TRUE(doc.Conf().IsConfigChanged());
     const auto& labels = ConfigQuenta::Labels();
@@ -118,7 +73,7 @@ TEST(Quenta, GpioPinsAreReachedByNumber)
 {
     DocQuenta doc;
     ConfigCfgGpio& gpio = doc.Conf().Cfg().Gpio();
-    EXPECT_EQ(reply(doc, quenta("<cfg><gpio><io1>high</io1><io8>low</io8><io3>floating</io3></gpio></cfg>")),
+    EXPECT_EQ(reply(doc, envelope("quenta", "<cfg><gpio><io1>high</io1><io8>low</io8><io3>floating</io3></gpio></cfg>")),
               "<Error Param=\"io3\">invalid option: floating\n</Error>");
     EXPECT_EQ(gpio.Io(1).name(), "io1");
     EXPECT_EQ(gpio.Io(1).get_string(), "high");
@@ -131,11 +86,12 @@ TEST(Quenta, GpioPinsAreReachedByNumber)
 TEST(Quenta, TreeHasNoBoxNoHistoryAndAOneElementCal)
 {
     CleanDoc doc;
-    EXPECT_EQ(reply(doc, quenta("<box><output><status>true</status></output></box><history><record><type>x</type>"
-                                "</record></history><cal><history/></cal><output><rate>5</rate></output>")),
+    EXPECT_EQ(reply(doc, envelope("quenta", "<box><output><status>true</status></output></box>"
+                                            "<history><record><type>x</type></record></history>"
+                                            "<cal><history/></cal><output><rate>5</rate></output>")),
               "");
     EXPECT_FALSE(doc.has_changed());
-    EXPECT_EQ(reply(doc, quenta("<cal>&query;</cal>")), quenta("<cal><zero>0</zero></cal>"));
+    EXPECT_EQ(reply(doc, envelope("quenta", "<cal>&query;</cal>")), envelope("quenta", "<cal><zero>0</zero></cal>"));
 }
 
 TEST(Quenta, OnlySettingsCountAsConfigChanges)
@@ -158,7 +114,7 @@ TEST(Quenta, OnlySettingsCountAsConfigChanges)
         SCOPED_TRACE(row.message);
         CleanDoc doc;
         EXPECT_FALSE(doc.Conf().IsConfigChanged());
-        reply(doc, quenta(row.message));
+        reply(doc, envelope("quenta", row.message));
         EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
     }
     // A changed serial number counts through the view at the model level.
@@ -171,7 +127,7 @@ TEST(Quenta, LightSourceCommandsLastOneMessage)
 {
     DocQuenta doc;
     doc._set_changed(false);
-    const std::string line = quenta("<cmd><connectlightsource>true</connectlightsource></cmd>");
+    const std::string line = envelope("quenta", "<cmd><connectlightsource>true</connectlightsource></cmd>");
     std::ostringstream out;
     std::istringstream in(line + "\n");
     doc.configure_and_send_events(in, out);
@@ -181,7 +137,7 @@ TEST(Quenta, LightSourceCommandsLastOneMessage)
     doc.changed(changes);
     EXPECT_EQ(changes.str(), line);
 
-    std::istringstream next(quenta("<cmd><disconnectlightsource>true</disconnectlightsource></cmd>"));
+    std::istringstream next(envelope("quenta", "<cmd><disconnectlightsource>true</disconnectlightsource></cmd>"));
     doc.configure_and_send_events(next, out);
     EXPECT_FALSE(doc.Conf().Cmd().Connectlightsource().get());
     EXPECT_TRUE(doc.Conf().Cmd().Disconnectlightsource().get());

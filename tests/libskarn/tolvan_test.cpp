@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 #include <set>
 #include <sstream>
@@ -9,36 +8,11 @@
 #include <vector>
 
 #include "libskarn/doctolvan.h"
+#include "tests/libskarn/doc_test_util.h"
 
 namespace {
 
-/// Sends one message to `node` and returns the compact reply.
-std::string send(Configurable& node, const std::string& message)
-{
-    std::istringstream in(message);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.configure(in, out);
-    return out.str();
-}
-
-std::string tolvan(const std::string& body)
-{
-    return "<arvex><tolvan>" + body + "</tolvan></arvex>";
-}
-
-std::string golden(const std::string& file)
-{
-    std::ifstream in(std::string(SONDAR_TEST_DATA) + "/" + file);
-    std::string line;
-    std::getline(in, line);
-    return line;
-}
-
-/// A fresh document with every changed flag cleared, as after a first exchange.
-struct CleanDoc : DocTolvan {
-    CleanDoc() { _set_changed(false); }
-};
+using CleanDoc = Clean<DocTolvan>;
 
 // --- the tree as printed ---
 
@@ -47,7 +21,7 @@ TEST(TolvanDocument, FreshQueryMatchesGolden)
     DocTolvan doc;
     const std::string expected = golden("tolvan_query.txt");
     ASSERT_FALSE(expected.empty());
-    EXPECT_EQ(send(doc, "<arvex>&query;</arvex>"), expected);
+    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), expected);
 }
 
 TEST(TolvanDocument, FreshDoctypeMatchesGolden)
@@ -55,7 +29,7 @@ TEST(TolvanDocument, FreshDoctypeMatchesGolden)
     DocTolvan doc;
     const std::string expected = golden("tolvan_doctype.txt");
     ASSERT_FALSE(expected.empty());
-    EXPECT_EQ(send(doc, "<arvex>&query_doctype;</arvex>"), expected);
+    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), expected);
 }
 
 TEST(TolvanDocument, AckIsPrintedOnlyOnRequest)
@@ -65,7 +39,7 @@ TEST(TolvanDocument, AckIsPrintedOnlyOnRequest)
     Configurable::set_compact(ack, true);
     doc.Ack(ack);
     EXPECT_EQ(ack.str(), "<arvex><tolvan><ack>true</ack></tolvan></arvex>");
-    EXPECT_EQ(send(doc, tolvan("<ack>false</ack><error>x</error>")), "");
+    EXPECT_EQ(reply(doc, envelope("tolvan", "<ack>false</ack><error>x</error>")), "");
     EXPECT_TRUE(doc.Conf().Ack().get());
     EXPECT_EQ(doc.Conf().Error().get(), "");
 }
@@ -73,11 +47,11 @@ TEST(TolvanDocument, AckIsPrintedOnlyOnRequest)
 TEST(TolvanDocument, SerialnumberFollowsTheFactorySection)
 {
     CleanDoc doc;
-    EXPECT_EQ(send(doc, tolvan("<serialnumber>ch4-0001</serialnumber>")), "");
+    EXPECT_EQ(reply(doc, envelope("tolvan", "<serialnumber>ch4-0001</serialnumber>")), "");
     EXPECT_FALSE(doc.has_changed());
-    send(doc, tolvan("<factory><serialnumber>ch4-0042</serialnumber></factory>"));
-    EXPECT_EQ(send(doc, tolvan("<serialnumber>&query;</serialnumber>")),
-              tolvan("<serialnumber>ch4-0042</serialnumber>"));
+    reply(doc, envelope("tolvan", "<factory><serialnumber>ch4-0042</serialnumber></factory>"));
+    EXPECT_EQ(reply(doc, envelope("tolvan", "<serialnumber>&query;</serialnumber>")),
+              envelope("tolvan", "<serialnumber>ch4-0042</serialnumber>"));
 }
 
 // --- leaves: bounds, choices, blocked columns ---
@@ -128,7 +102,7 @@ TEST(TolvanLeaves, ValuesBeyondTheBoundsAreClampedSilently)
     };
     for (const BoundCase& c : cases) {
         DocTolvan doc;
-        EXPECT_EQ(send(doc, tolvan(c.message)), "") << c.message;
+        EXPECT_EQ(reply(doc, envelope("tolvan", c.message)), "") << c.message;
         EXPECT_DOUBLE_EQ(c.value(doc.Conf()), c.expected) << c.message;
     }
 }
@@ -145,7 +119,7 @@ TEST(TolvanLeaves, OnlyTemprangeCountsTheValueItHoldsAsAChange)
     };
     for (const auto& [message, changed] : cases) {
         CleanDoc doc;
-        EXPECT_EQ(send(doc, tolvan(message)), "") << message;
+        EXPECT_EQ(reply(doc, envelope("tolvan", message)), "") << message;
         EXPECT_EQ(doc.has_changed(), changed) << message;
     }
 }
@@ -154,15 +128,17 @@ TEST(TolvanLeaves, ChoicesTakeOnlyTheirOptions)
 {
     DocTolvan doc;
     ConfigTolvan& t = doc.Conf();
-    send(doc, tolvan("<output><rate>10</rate></output><cfg><dac3><src>auxtc2</src></dac3>"
-                     "<linelock><lasercooler><control>daccount</control></lasercooler></linelock></cfg>"));
+    reply(doc, envelope("tolvan", "<output><rate>10</rate></output><cfg><dac3><src>auxtc2</src></dac3>"
+                                  "<linelock><lasercooler><control>daccount</control></lasercooler></linelock></cfg>"));
     EXPECT_EQ(t.Output().Rate().get_rate(), 10);
     EXPECT_EQ(t.Cfg().Dac(3).Src().get_string(), "auxtc2");
     EXPECT_EQ(t.Cfg().Linelock().Lasercooler().Control().get(), 2);
 
-    EXPECT_NE(send(doc, tolvan("<output><rate>3</rate></output>")), "");
+    EXPECT_NE(reply(doc, envelope("tolvan", "<output><rate>3</rate></output>")), "");
     EXPECT_EQ(t.Output().Rate().get_rate(), 10);
-    EXPECT_NE(send(doc, tolvan("<cfg><linelock><laserblock><control>auto</control></laserblock></linelock></cfg>")), "");
+    EXPECT_NE(reply(doc, envelope("tolvan", "<cfg><linelock><laserblock><control>auto</control></laserblock>"
+                                            "</linelock></cfg>")),
+              "");
     EXPECT_EQ(t.Cfg().Linelock().Laserblock().Control().get_string(), "on");
 }
 
@@ -171,7 +147,7 @@ TEST(TolvanLeaves, UsbSplitKnowsItsLengthInSeconds)
     const std::pair<const char*, int> cases[] = {{"0", 0}, {"15", 900}, {"90", 5400}, {"240", 14400}, {"1440", 86400}};
     DocTolvan doc;
     for (const auto& [minutes, seconds] : cases) {
-        send(doc, tolvan(std::string("<box><usb><split>") + minutes + "</split></usb></box>"));
+        reply(doc, envelope("tolvan", std::string("<box><usb><split>") + minutes + "</split></usb></box>"));
         EXPECT_EQ(doc.Conf().Box().Usb().Split().get_seconds(), seconds) << minutes;
     }
 }
@@ -181,7 +157,8 @@ TEST(TolvanLeaves, HourMinuteLeavesKeepSecondsFromMidnight)
     DocTolvan doc;
     ConfigSpinMirror& mirror = doc.Conf().Cfg().Spinmirror();
     EXPECT_DOUBLE_EQ(mirror.Repeatinterval().get().get(), 1800);
-    send(doc, tolvan("<cfg><spinmirror><repeatinterval>02:15</repeatinterval><ontime>23:59</ontime></spinmirror></cfg>"));
+    reply(doc, envelope("tolvan", "<cfg><spinmirror><repeatinterval>02:15</repeatinterval><ontime>23:59</ontime>"
+                                  "</spinmirror></cfg>"));
     EXPECT_DOUBLE_EQ(mirror.Repeatinterval().get().get(), 8100);
     EXPECT_DOUBLE_EQ(mirror.Ontime().get().get(), 86340);
 }
@@ -198,9 +175,9 @@ TEST(TolvanBoxData, TimeAndChecksumColumnsCannotBeSwitchedOff)
             CleanDoc doc;
             const std::string open = std::string("<box><") + section + "><data><" + tag + ">";
             const std::string close = std::string("</") + tag + "></data></" + section + "></box>";
-            EXPECT_EQ(send(doc, tolvan(open + "false" + close)), "") << section << "/" << tag;
+            EXPECT_EQ(reply(doc, envelope("tolvan", open + "false" + close)), "") << section << "/" << tag;
             EXPECT_EQ(doc.has_changed(), !blocked) << section << "/" << tag;
-            EXPECT_EQ(send(doc, tolvan(open + "&query_item;" + close)), blocked ? "true" : "false")
+            EXPECT_EQ(reply(doc, envelope("tolvan", open + "&query_item;" + close)), blocked ? "true" : "false")
                 << section << "/" << tag;
         }
     }
@@ -210,11 +187,11 @@ TEST(TolvanBoxData, OnlyTheUsbLogHasDateAndTime)
 {
     CleanDoc doc;
     ConfigBox& box = doc.Conf().Box();
-    EXPECT_EQ(send(doc, tolvan("<box><output><data><date>true</date><time>true</time></data></output></box>")), "");
+    EXPECT_EQ(reply(doc, envelope("tolvan", "<box><output><data><date>true</date><time>true</time></data></output></box>")), "");
     EXPECT_FALSE(doc.has_changed());
     EXPECT_FALSE(box.Output().Data().Date().get());
 
-    send(doc, tolvan("<box><usb><data><date>false</date></data></usb></box>"));
+    reply(doc, envelope("tolvan", "<box><usb><data><date>false</date></data></usb></box>"));
     EXPECT_TRUE(box.Usb().Data().has_changed());
     EXPECT_FALSE(box.Usb().Data().Date().get());
     EXPECT_TRUE(box.Usb().Data().Time().get());
@@ -287,7 +264,7 @@ TEST(TolvanCfg, AMessageReachesTheNumberedSectionItNames)
 {
     DocTolvan doc;
     ConfigCfg& cfg = doc.Conf().Cfg();
-    send(doc, tolvan("<cfg><aux7><type>linear-rt</type><a3>2.5</a3></aux7><dac5><src>set</src><set>1.25</set></dac5></cfg>"));
+    reply(doc, envelope("tolvan", "<cfg><aux7><type>linear-rt</type><a3>2.5</a3></aux7><dac5><src>set</src><set>1.25</set></dac5></cfg>"));
     EXPECT_EQ(cfg.Aux(7).Type().get_string(), "linear-rt");
     EXPECT_FLOAT_EQ(cfg.Aux(7).A3().get(), 2.5f);
     EXPECT_FLOAT_EQ(cfg.Aux(6).A3().get(), 0);
@@ -316,7 +293,7 @@ TEST(TolvanModel, IsConfigChangedIgnoresCommandsAndTheCpld)
     };
     for (const auto& [message, changed] : cases) {
         CleanDoc doc;
-        send(doc, tolvan(message));
+        reply(doc, envelope("tolvan", message));
         EXPECT_EQ(doc.Conf().IsConfigChanged(), changed) << message;
     }
     DocTolvan fresh;
@@ -376,11 +353,11 @@ TEST(TolvanCalHistory, CalClearsWithItsOwnLastTimes)
 {
     DocTolvan doc;
     ConfigCal& cal = doc.Conf().Cal();
-    send(doc, tolvan("<cal><ch4lastzero>2020-03-01 12:00:00</ch4lastzero><history>"
-                     "<record><time>2020-03-01 12:00:00</time><type>CH4 Zero</type><ch4zero>0.25</ch4zero></record>"
-                     "<record><time>2020-03-02 12:00:00</time><type>CH4 Zero</type><ch4zero>0.5</ch4zero></record>"
-                     "<record><time>2020-03-03 12:00:00</time><type>CH4 Span</type><ch4span>1.5</ch4span></record>"
-                     "</history></cal>"));
+    reply(doc, envelope("tolvan", "<cal><ch4lastzero>2020-03-01 12:00:00</ch4lastzero><history>"
+                                  "<record><time>2020-03-01 12:00:00</time><type>CH4 Zero</type><ch4zero>0.25</ch4zero></record>"
+                                  "<record><time>2020-03-02 12:00:00</time><type>CH4 Zero</type><ch4zero>0.5</ch4zero></record>"
+                                  "<record><time>2020-03-03 12:00:00</time><type>CH4 Span</type><ch4span>1.5</ch4span></record>"
+                                  "</history></cal>"));
     ASSERT_EQ(cal.History().children().size(), 3u);
     cal.ClearOldHistoryRecords();
     ASSERT_EQ(cal.History().children().size(), 1u);
@@ -395,12 +372,12 @@ TEST(TolvanCalHistory, AMessageReplacesTheWholeList)
     ConfigCalHistory& history = doc.Conf().Cal().History();
     add_record(history, 1, "CH4 Zero", 0);
     add_record(history, 2, "CH4 Zero", 0);
-    send(doc, tolvan("<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type></record></history></cal>"));
+    reply(doc, envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type></record></history></cal>"));
     ASSERT_EQ(history.children().size(), 1u);
     EXPECT_EQ(static_cast<ConfigCalRecord&>(*history.children().front()).Type().get(), "CH4 Span");
-    EXPECT_EQ(send(doc, tolvan("<cal><history>&query;</history></cal>")),
-              tolvan("<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type>"
-                     "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
+    EXPECT_EQ(reply(doc, envelope("tolvan", "<cal><history>&query;</history></cal>")),
+              envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type>"
+                                 "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
 }
 
 TEST(TolvanCalHistory, RecordsAreTheSameByTimeAlone)
@@ -508,7 +485,7 @@ struct Recorder : DocTolvanListener {
 std::vector<std::string> serve(CleanDoc& doc, Recorder& recorder, const std::string& body)
 {
     doc.SetListener(&recorder);
-    std::istringstream in(tolvan(body));
+    std::istringstream in(envelope("tolvan", body));
     std::ostringstream out;
     Configurable::set_compact(out, true);
     doc.configure_and_send_events(in, out);
@@ -617,7 +594,7 @@ TEST(TolvanEvents, WithoutAListenerTheMessageIsStillApplied)
 {
     DocTolvan doc;
     doc.Conf().Cmd().Reboot().set(true);
-    std::istringstream in(tolvan("<cfg><sdmaddress>4</sdmaddress></cfg>"));
+    std::istringstream in(envelope("tolvan", "<cfg><sdmaddress>4</sdmaddress></cfg>"));
     std::ostringstream out;
     doc.configure_and_send_events(in, out);
     EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
@@ -635,7 +612,7 @@ TEST(TolvanEvents, ClockTimeIsHandedOnAsTimeT)
     CleanDoc bad;
     Recorder unused;
     bad.SetListener(&unused);
-    std::istringstream in(tolvan("<cfg><clock><date>2024/05/06</date></clock></cfg>"));
+    std::istringstream in(envelope("tolvan", "<cfg><clock><date>2024/05/06</date></clock></cfg>"));
     std::ostringstream out;
     EXPECT_THROW(bad.configure_and_send_events(in, out), std::runtime_error);
 }
