@@ -1,0 +1,27 @@
+#include <QApplication>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/commandline.h"
+#include "app/mycalmainwindow.h"
+#include "app/mymainwindow.h"
+
+int main(int argc, char* argv[])
+{
+    const std::string program_path = argc > 0 ? argv[0] : "";
+    // QApplication takes its own options out of argc and argv; the rest is ours.
+    QApplication application(argc, argv);
+    const CommandLine command_line = ParseCommandLine(std::vector<std::string>(argv, argv + argc));
+
+    std::unique_ptr<QMainWindow> window;
+    if (command_line.mode == CommandLine::MAIN)
+        window = std::make_unique<MyMainWindow>("Arvex Sondar", program_path);
+    else
+        window = std::make_unique<MyCalMainWindow>("Arvex Calibration Control Panel", command_line.name,
+                                                   command_line.address, command_line.port);
+    window->show();
+    // The window goes before the application does.
+    return application.exec();
+}

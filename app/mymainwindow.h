@@ -1,0 +1,27 @@
+#pragma once
+// The main window of the plain program: a "File" menu around the central panel.
+
+#include <QMainWindow>
+
+#include <string>
+
+class QCloseEvent;
+
+/// The window the program shows when started without "cal". Its geometry is kept under the
+/// settings "Arvex"/"sondar", restored at construction and stored on close.
+class MyMainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    /// `title` is not shown; `program_path` (argument 0) locates the About box's text.
+    MyMainWindow(const std::string& title, const std::string& program_path);
+
+public slots:
+    /// Runs the About box modally.
+    void OnAbout();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    std::string _about_text_path;
+};
