@@ -1,22 +1,49 @@
 // sondar-sim: a simulated instrument.
 //
+//   sondar-sim --model tolvan|morvik|sarnel --name NAME [--port P] [--listen ADDR] [--rate HZ]
+//
+// serves a simulated instrument over TCP, by default on 127.0.0.1 at the port where clients look
+// for the model (4410 for a Tolvan, 4420 for a Morvik or Sarnel), until SIGINT or SIGTERM. Once
+// it listens it prints "listening on ADDRESS:PORT" on standard output.
+//
 //   sondar-sim --stdio --model tolvan|morvik|sarnel
 //
 // serves one document of the model, kept across lines: each line of standard input is one
 // message, and each gives exactly one line of output, the compact reply (empty when there is
 // none). A line feed inside a reply is written as the two characters \n.
+//
+//   sondar-sim --dump-spectrum FILE
+//
+// writes the spectrum that a simulated Tolvan's waveforms are windows of: per line the laser
+// temperature, the sample and the reference.
+//
+// Exit status: 0, 1 when the port or the file cannot be had, 2 for bad arguments.
 
+#include <QCoreApplication>
+#include <QHostAddress>
+#include <QSocketNotifier>
+
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
+#include <fstream>
 #include <iostream>
+#include <map>
 #include <string>
+#include <unistd.h>
 
 #include "sim/served_document.h"
+#include "sim/sim_instrument.h"
+#include "sim/sim_server.h"
+#include "sim/spectrum.h"
 
 namespace {
 
 int usage()
 {
-    std::cerr << "usage: sondar-sim --stdio --model tolvan|morvik|sarnel\n";
+    std::cerr << "usage: sondar-sim --model tolvan|morvik|sarnel --name NAME [--port P] [--listen ADDR] [--rate HZ]\n"
+                 "       sondar-sim --stdio --model tolvan|morvik|sarnel\n"
+                 "       sondar-sim --dump-spectrum FILE\n";
     return 2;
 }
 
@@ -33,22 +60,17 @@ std::string one_line(const std::string& reply)
     return line;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+// A whole decimal number in [low, high], or -1.
+long number_in(const std::string& text, long low, long high)
 {
-    bool stdio = false;
-    std::string model;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--stdio") == 0)
-            stdio = true;
-        else if (std::strcmp(argv[i], "--model") == 0 && i + 1 < argc)
-            model = argv[++i];
-        else
-            return usage();
-    }
-    if (!stdio)
-        return usage();
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string::npos || text.size() > 9)
+        return -1;
+    const long value = std::stol(text);
+    return value >= low && value <= high ? value : -1;
+}
+
+int run_stdio(const std::string& model)
+{
     auto document = ServedDocument::Make(model);
     if (!document) {
         std::cerr << "sondar-sim: unknown model \"" << model << "\"\n";
@@ -68,4 +90,111 @@ int main(int argc, char** argv)
         std::cout.flush();
     }
     return 0;
+}
+
+int dump_spectrum(const std::string& path)
+{
+    std::ofstream out(path);
+    SimSpectrum::Dump(out);
+    out.close();
+    if (!out) {
+        std::cerr << "sondar-sim: cannot write " << path << '\n';
+        return 1;
+    }
+    return 0;
+}
+
+// SIGINT and SIGTERM end the event loop through a pipe: writing to it is all that a handler
+// may safely do.
+int signal_pipe[2] = {-1, -1};
+
+extern "C" void on_signal(int)
+{
+    const char byte = 1;
+    [[maybe_unused]] const ssize_t written = write(signal_pipe[1], &byte, 1);
+}
+
+bool quit_on_signals(QCoreApplication& application)
+{
+    if (pipe2(signal_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        return false;
+    auto* notifier = new QSocketNotifier(signal_pipe[0], QSocketNotifier::Read, &application);
+    QObject::connect(notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
+    struct sigaction action {};
+    action.sa_handler = on_signal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    // A client gone mid-write is noticed by its socket, not by a signal that ends the process.
+    std::signal(SIGPIPE, SIG_IGN);
+    return true;
+}
+
+int run_server(int argc, char** argv, std::map<std::string, std::string>& options)
+{
+    const std::string model = options["--model"];
+    auto instrument = SimInstrument::Make(model, options["--name"]);
+    if (!instrument) {
+        std::cerr << "sondar-sim: unknown model \"" << model << "\"\n";
+        return usage();
+    }
+    long port = instrument->DefaultPort();
+    if (options.count("--port") && (port = number_in(options["--port"], 1, 65535)) < 0) {
+        std::cerr << "sondar-sim: --port wants a port number from 1 to 65535\n";
+        return usage();
+    }
+    QHostAddress address(QHostAddress::LocalHost);
+    if (options.count("--listen") && !address.setAddress(QString::fromStdString(options["--listen"]))) {
+        std::cerr << "sondar-sim: --listen wants an IP address\n";
+        return usage();
+    }
+    if (options.count("--rate") && !instrument->SetRate(int(number_in(options["--rate"], 0, 1000)))) {
+        std::cerr << "sondar-sim: a " << model << " has no rate " << options["--rate"] << '\n';
+        return usage();
+    }
+
+    QCoreApplication application(argc, argv);
+    if (!quit_on_signals(application)) {
+        std::cerr << "sondar-sim: " << std::strerror(errno) << '\n';
+        return 1;
+    }
+    SimServer server(*instrument);
+    QString error;
+    if (!server.Listen(address, quint16(port), error)) {
+        std::cerr << "sondar-sim: cannot listen on " << address.toString().toStdString() << ":" << port << ": "
+                  << error.toStdString() << '\n';
+        return 1;
+    }
+    const QString host = address.protocol() == QAbstractSocket::IPv6Protocol ? "[" + address.toString() + "]"
+                                                                             : address.toString();
+    std::cout << "listening on " << host.toStdString() << ":" << port << std::endl;
+    return application.exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    static const std::map<std::string, bool> takes_value{
+        {"--stdio", false}, {"--model", true},  {"--name", true},         {"--port", true},
+        {"--listen", true}, {"--rate", true},   {"--dump-spectrum", true},
+    };
+    std::map<std::string, std::string> options;
+    for (int i = 1; i < argc; ++i) {
+        const auto option = takes_value.find(argv[i]);
+        if (option == takes_value.end() || options.count(option->first))
+            return usage();
+        if (option->second && i + 1 >= argc)
+            return usage();
+        options[option->first] = option->second ? argv[++i] : "";
+    }
+
+    if (options.count("--dump-spectrum"))
+        return options.size() == 1 ? dump_spectrum(options["--dump-spectrum"]) : usage();
+    if (options.count("--stdio"))
+        return options.size() == 2 && options.count("--model") ? run_stdio(options["--model"]) : usage();
+    if (!options.count("--model") || !options.count("--name"))
+        return usage();
+    return run_server(argc, argv, options);
 }

@@ -7,12 +7,17 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 // Runs sondar-sim with the arguments, feeding it `input`; returns its output lines.
 std::vector<std::string> run_sim(const std::string& args, const std::string& input, int* status = nullptr)
 {
-    const std::string in_path = testing::TempDir() + "sim_input.txt";
+    // One file per test and process: CTest runs the tests of this binary side by side.
+    const std::string in_path = testing::TempDir() + "sim_input_" +
+                                testing::UnitTest::GetInstance()->current_test_info()->name() + "_" +
+                                std::to_string(getpid()) + ".txt";
     std::ofstream(in_path) << input;
     const std::string command = std::string(SONDAR_SIM) + " " + args + " < " + in_path + " 2>/dev/null";
     FILE* pipe = popen(command.c_str(), "r");
@@ -27,6 +32,7 @@ std::vector<std::string> run_sim(const std::string& args, const std::string& inp
         }
     }
     const int rc = pclose(pipe);
+    std::remove(in_path.c_str());
     if (status)
         *status = WEXITSTATUS(rc);
     return lines;

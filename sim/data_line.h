@@ -1,0 +1,25 @@
+#pragma once
+// The text of data records: a record name and fields separated by tabs, one line each.
+
+#include <cstdint>
+#include <string>
+
+/// One data line under construction.
+class DataLine {
+public:
+    explicit DataLine(const std::string& record) : _text(record) {}
+
+    DataLine& Add(const std::string& field);
+    DataLine& AddInteger(int64_t value);
+    /// `value` with `decimals` digits after the point.
+    DataLine& AddFixed(double value, int decimals);
+
+    /// The line closed by a line feed, with no sum: headers, units, events, clock records.
+    std::string Plain() const { return _text + '\n'; }
+    /// The line closed by a tab, its 8-bit sum as three decimal digits, and a line feed. The sum
+    /// is that of every byte before the digits, the record name and the last tab included.
+    std::string Checked() const;
+
+private:
+    std::string _text;
+};

@@ -1,0 +1,120 @@
+#pragma once
+// A simulated instrument: its document, served as the instrument serves it, the world it
+// measures, and the data records it sends. The per-model parts are the subclasses' operations.
+
+#include <ctime>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "sim/data_line.h"
+#include "sim/plant.h"
+
+class Configurable;
+class ConfigurableBool;
+class ConfigurableComposite;
+class ConfigCfgClock;
+class ConfigCfgNetwork;
+class ConfigFactoryCmd;
+class ConfigModel;
+
+/// One simulated instrument, without any I/O of its own: messages go in through Serve, time
+/// through Advance, and the lines for every client come out of TakeLines.
+///
+/// Serving a message: the command sections are set back to false and the clock section shows
+/// the instrument's time; the message is applied and acted upon; the reply goes to the sender,
+/// and what the message changed, commands left out, goes to every client. The document's changed
+/// flags are clear between messages.
+class SimInstrument {
+public:
+    /// What one message did.
+    struct Served {
+        std::string reply;    ///< the compact reply for the sender, one line; "" for none
+        std::string changes;  ///< the &query_changes; form of what changed, one line; "" for nothing
+        bool reboot = false;  ///< the message asked the instrument to restart
+    };
+
+    virtual ~SimInstrument() = default;
+
+    /// An instrument of the model "tolvan", "morvik" or "sarnel" that calls itself `name`; null for
+    /// any other model.
+    static std::unique_ptr<SimInstrument> Make(const std::string& model, const std::string& name);
+
+    /// The TCP port at which clients look for this model.
+    virtual int DefaultPort() const = 0;
+    /// Data records per second; 0 sends one only when polled.
+    virtual int Rate() = 0;
+    /// Sets the rate, as the command line asks; false, and nothing set, for a rate the model lacks.
+    virtual bool SetRate(int hz) = 0;
+
+    /// Serves one message line, as described above.
+    Served Serve(const std::string& message);
+    /// The units and headers of the records now selected, one line each: a new client's first lines.
+    std::string Headers() { return _Headers(); }
+    /// Moves the instrument on to `now`, in seconds since it was made, and queues the records due.
+    void Advance(double now);
+    /// The lines queued for every client since the last call: records, headers, events.
+    std::string TakeLines();
+    /// Starts over as after power-up: committed values back, the stream from its beginning.
+    void Restart();
+
+protected:
+    SimInstrument();
+
+    /// The document's root.
+    virtual Configurable& _Doc() = 0;
+    virtual ConfigModel& _Model() = 0;
+    /// Applies one message to the document and acts on what it asks.
+    virtual void _Apply(std::istream& in, std::ostream& out) = 0;
+    /// The sections of one-shot commands. They are false before each message, and what a message
+    /// does to them is never reported as a change.
+    virtual std::vector<ConfigurableComposite*> _Commands() = 0;
+    // The sections that the models share, served alike by this class.
+    virtual ConfigCfgClock& _Clock() = 0;
+    virtual ConfigCfgNetwork& _Network() = 0;
+    virtual ConfigurableComposite& _Factory() = 0;
+    virtual ConfigFactoryCmd& _FactoryCmd() = 0;
+    virtual ConfigurableBool& _RebootCmd() = 0;
+    /// Units and headers of the selected records, each a line.
+    virtual std::string _Headers() = 0;
+    /// Queues the data records of one sample taken at `time`.
+    virtual void _SendData(double time) = 0;
+    /// Queues the once-a-second records.
+    virtual void _SendStatus(double time) = 0;
+    /// The model's part of a restart.
+    virtual void _Restart() {}
+
+    /// Ends the construction of a subclass: gives the instrument and its network `name`; the state
+    /// it is then in is what power-up gives, committed, and nothing counts as changed.
+    void _PowerUp(const std::string& name);
+
+    void _Send(const std::string& line) { _lines += line; }
+    void _SendEvent(const std::string& event, const std::string& text);
+    /// The three time fields that begin every record: MSEC (since power-up), SECONDS, NANOSECONDS.
+    void _AddStamp(DataLine& line, double time) const;
+    /// The instrument's clock at `time`, in seconds since 1970. Counted from the moment it was last
+    /// set, so that a clock set to a whole second shows that second, not a hair less.
+    double _ClockAt(double time) const { return _clock_set + (time - _clock_set_at); }
+    /// The instrument's clock as date and time of the local zone: "2024-05-01T12:34:56.250".
+    std::string _ClockText(double time) const;
+    double _Now() const { return _now; }
+
+    SimPlant _plant;
+
+private:
+    void _ServeSharedSections(Served& served);
+
+    std::string _lines;
+    std::string _sent_headers;
+    std::string _committed_factory;
+    double _clock_set;  ///< what the clock read at _clock_set_at
+    double _clock_set_at = 0;
+    double _now = 0;
+    double _power_up = 0;
+    int _data_rate = -1;
+    double _data_origin = 0;
+    long long _data_sent = 0;
+    long long _status_sent = 0;
+};

@@ -1,0 +1,421 @@
+// The simulator end to end: the real sondar-sim on a free port of 127.0.0.1, the real Connector
+// and bare sockets as clients, all driven by the event loop.
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+#include "link/connector.h"
+#include "sim/spectrum.h"
+#include "sim_test_util.h"
+
+namespace {
+
+// Generous: sanitizer builds on a busy machine start slowly.
+constexpr int TIMEOUT_MS = 30000;
+
+const std::string ZERO = "<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n";
+
+int free_port()
+{
+    QTcpServer probe;
+    EXPECT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
+    return probe.serverPort();
+}
+
+// One sondar-sim for one test, killed at its end if still running.
+class SimProcess {
+public:
+    explicit SimProcess(QStringList arguments) : port(free_port())
+    {
+        process.start(SONDAR_SIM, arguments << "--port" << QString::number(port));
+    }
+    ~SimProcess()
+    {
+        if (process.state() != QProcess::NotRunning) {
+            process.kill();
+            process.waitForFinished(TIMEOUT_MS);
+        }
+    }
+    bool WaitListening()
+    {
+        return QTest::qWaitFor([&] {
+            output += process.readAllStandardOutput();
+            return output.contains("listening on 127.0.0.1:" + QByteArray::number(port));
+        }, TIMEOUT_MS);
+    }
+    /// Standard error so far: who came, left and was dropped.
+    const QByteArray& Log()
+    {
+        log += process.readAllStandardError();
+        return log;
+    }
+
+    const int port;
+    QProcess process;
+    QByteArray output, log;
+};
+
+// A client that is not the link: a bare socket and the lines it has read.
+class RawClient {
+public:
+    bool Connect(int port)
+    {
+        socket.connectToHost(QHostAddress::LocalHost, quint16(port));
+        return QTest::qWaitFor([&] { return socket.state() == QAbstractSocket::ConnectedState; }, TIMEOUT_MS);
+    }
+    void Send(const std::string& text) { socket.write(text.data(), qint64(text.size())); }
+    /// Reads lines until one satisfies `want`, and gives that one; "" if none comes.
+    std::string WaitFor(const std::function<bool(const std::string&)>& want)
+    {
+        std::string found;
+        (void)QTest::qWaitFor([&] {
+            while (socket.canReadLine()) {
+                lines.push_back(socket.readLine().toStdString());
+                if (want(lines.back())) {
+                    found = lines.back();
+                    return true;
+                }
+            }
+            return false;
+        }, TIMEOUT_MS);
+        return found;
+    }
+    std::string WaitForXML()
+    {
+        return WaitFor([](const std::string& line) { return line[0] == '<'; });
+    }
+
+    QTcpSocket socket;
+    std::vector<std::string> lines;
+};
+
+// Writes down what a link hears: DATA times, arrival times, events.
+class Heard : public Connector::Listener {
+public:
+    Heard() { clock.start(); }
+    void GotConnectorData(Connector& link, std::string record) override
+    {
+        if (record != "DATA")
+            return;
+        const std::string var = link.Host() + ":DATA:";
+        times.push_back(link.VarNumeric(var + "SECONDS") + link.VarNumeric(var + "NANOSECONDS") / 1e9);
+        arrivals.push_back(clock.elapsed());
+    }
+    void GotConnectorEvent(Connector&, std::string, std::string event, std::string) override
+    {
+        events.push_back(event);
+    }
+    bool WaitForData(size_t more)
+    {
+        const size_t target = times.size() + more;
+        return QTest::qWaitFor([&] { return times.size() >= target; }, TIMEOUT_MS);
+    }
+
+    QElapsedTimer clock;
+    std::vector<double> times;
+    std::vector<qint64> arrivals;
+    std::vector<std::string> events;
+};
+
+class SimNetwork : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        Connector::SetMessageBox([this](QWidget*, const QString& title, const QString& text) {
+            boxes.push_back(title + ": " + text);
+        });
+    }
+    void TearDown() override { Connector::SetMessageBox([](QWidget*, const QString&, const QString&) {}); }
+
+    /// A link of `type` to the simulator, listened to by `heard`, with its opening sequence done.
+    std::shared_ptr<Connector> Link(const std::string& name, const std::string& type, int port, Heard& heard)
+    {
+        auto link = std::make_shared<Connector>(nullptr, name, type);
+        for (const char* record : {"DATA", "DATAEVENT"})
+            link->RegisterListener(record, &heard);
+        link->Connect("127.0.0.1", 0, port);
+        // The replica is filled once the name has come, and for a Tolvan once its selection is back.
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            const std::string doc = compact_query(link->Doc());
+            return doc.find("<waveforms>true</waveforms><status>true</status><dataclock>true") != std::string::npos ||
+                   (type != "tolvan" && doc.find("<name>" + std::string(name) + "</name>") != std::string::npos);
+        }, TIMEOUT_MS)) << name;
+        return link;
+    }
+
+    std::vector<QString> boxes;
+};
+
+TEST_F(SimNetwork, TheOpeningSequenceMirrorsTheDocument)
+{
+    for (const std::string model : {"tolvan", "morvik"}) {
+        SimProcess sim({"--model", QString::fromStdString(model), "--name", "mirror"});
+        ASSERT_TRUE(sim.WaitListening()) << model;
+        Heard heard;
+        auto link = Link("mirror", model, sim.port, heard);
+
+        RawClient probe;
+        ASSERT_TRUE(probe.Connect(sim.port));
+        probe.Send("<arvex>&query;</arvex>\n");
+        std::string truth = probe.WaitForXML();
+        ASSERT_FALSE(truth.empty());
+        truth.pop_back();
+        EXPECT_NE(truth.find("<name>mirror</name>"), std::string::npos);
+        EXPECT_EQ(without_clock_time(compact_query(link->Doc())), without_clock_time(truth)) << model;
+        EXPECT_FALSE(link->Header("DATAH").empty());
+    }
+}
+
+TEST_F(SimNetwork, DataArriveAtTheRateWithGoodSums)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "rate", "--rate", "10"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("rate", "tolvan", sim.port, heard);
+    ASSERT_TRUE(heard.WaitForData(20));
+    // The records are stamped 0.1 s apart, and arrive no faster: more than a second apart
+    // cannot be a burst, however the machine stalls.
+    for (size_t i = 1; i < heard.times.size(); ++i)
+        EXPECT_NEAR(heard.times[i] - heard.times[i - 1], 0.1, 1e-6) << i;
+    EXPECT_GE(heard.arrivals.back() - heard.arrivals.front(), 800);
+
+    // Every record of every kind has a good sum.
+    RawClient raw;
+    ASSERT_TRUE(raw.Connect(sim.port));
+    raw.Send("<arvex><tolvan><output><dataclocksync>true</dataclocksync></output><cmd><polltest>true</polltest>"
+             "</cmd></tolvan></arvex>\n");
+    int statuses = 0;
+    raw.WaitFor([&](const std::string& line) { return line.rfind("DATASTAT\t", 0) == 0 && ++statuses == 3; });
+    std::map<std::string, int> checked;
+    for (const std::string& line : raw.lines) {
+        const std::string name = fields(line)[0];
+        if (name == "DATA" || name == "DATASTAT" || name == "DATACLOCKSYNC" || name == "DATATEST" ||
+            name == "DATAR" || name == "DATAS" || name == "DATARDC" || name == "DATASDC") {
+            EXPECT_TRUE(Connector::VerifyCheckSum(line)) << line;
+            ++checked[name];
+        }
+    }
+    EXPECT_EQ(checked.size(), 8u);
+    EXPECT_EQ(checked["DATASTAT"], 3);
+}
+
+TEST_F(SimNetwork, AChangeFromOneReplicaReachesTheOther)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "shared"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard_a, heard_b;
+    auto a = Link("shared-a", "tolvan", sim.port, heard_a);
+    auto b = Link("shared-b", "tolvan", sim.port, heard_b);
+
+    ConfigLaserCooler& cooler = a->Doc_Tolvan().Conf().Cfg().Linelock().Lasercooler();
+    cooler.Temp().set(31.5f);
+    a->Doc_Tolvan().Conf().Cfg().Heater().Top().Heaterpower().set(55);
+    a->OnSendXMLChanges();
+
+    DocTolvan& other = b->Doc_Tolvan();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return other.Conf().Cfg().Heater().Top().Heaterpower().get() == 55; },
+                                TIMEOUT_MS));
+    EXPECT_EQ(other.Conf().Cfg().Linelock().Lasercooler().Temp().get(), 31.5f);
+    // The instrument acts on it: the laser heads for the new set point.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return b->VarNumeric("shared-b:DATASTAT:LCTSET") == 31.5; }, TIMEOUT_MS));
+    EXPECT_LT(b->VarNumeric("shared-b:DATASTAT:LCTACTUAL"), 31.5);
+}
+
+TEST_F(SimNetwork, AZeroComesBackAsAHistoryRecord)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "zero"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("zero", "tolvan", sim.port, heard);
+    ConfigCal& cal = link->Doc_Tolvan().Conf().Cal();
+    ASSERT_TRUE(cal.History().children().empty());
+
+    link->OnSendRawXML(ZERO);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cal.History().children().empty(); }, TIMEOUT_MS));
+    ASSERT_EQ(cal.History().children().size(), 1u);
+    auto& record = static_cast<ConfigCalRecord&>(*cal.History().children().front());
+    EXPECT_EQ(record.Type().get(), "CH4 Zero");
+    EXPECT_EQ(record.Time().get().get(), cal.Ch4lastzero().get().get());
+    EXPECT_EQ(record.Ch4zero().get(), cal.Ch4zero().get());
+    EXPECT_NE(cal.Ch4zero().get(), 0.0f);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !heard.events.empty(); }, TIMEOUT_MS));
+    EXPECT_EQ(heard.events[0], "CH4ZERO");
+    EXPECT_EQ(link->Doc_Tolvan().Conf().Cmd().Ch4zero().get(), false);
+}
+
+TEST_F(SimNetwork, AKilledSimulatorLeavesTheReplicaIntact)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "killed"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("killed", "tolvan", sim.port, heard);
+    ASSERT_TRUE(heard.WaitForData(5));
+    const std::string replica = compact_query(link->Doc());
+    QSignalSpy disconnected(link.get(), &Connector::Disconnected);
+    sim.process.kill();
+    ASSERT_TRUE(disconnected.count() > 0 || disconnected.wait(TIMEOUT_MS));
+
+    EXPECT_EQ(compact_query(link->Doc()), replica);
+    EXPECT_NE(replica.find("<name>killed</name>"), std::string::npos);
+    EXPECT_FALSE(link->Header("DATAH").empty());
+    EXPECT_FALSE(link->VarStrings("DATA").empty());
+}
+
+TEST_F(SimNetwork, AClientThatDoesNotReadIsDropped)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "sluggard"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("reader", "tolvan", sim.port, heard);
+
+    RawClient sluggard;
+    sluggard.socket.setReadBufferSize(4096);
+    ASSERT_TRUE(sluggard.Connect(sim.port));
+    std::string queries;
+    for (int i = 0; i < 5000; ++i)
+        queries += "<arvex>&query;</arvex>\n";
+    sluggard.Send(queries);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sim.Log().contains("dropped: it does not read"); }, TIMEOUT_MS))
+        << sim.Log().toStdString();
+    EXPECT_TRUE(heard.WaitForData(10));
+    EXPECT_EQ(sim.process.state(), QProcess::Running);
+}
+
+TEST_F(SimNetwork, BadInputStallsNobody)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "vandal"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("victim", "tolvan", sim.port, heard);
+
+    const std::string deep(200000, '<');
+    std::string nested;
+    for (int i = 0; i < 20000; ++i)
+        nested += "<a>";
+    const std::string inputs[] = {
+        std::string("\0\xff\xfe\x01 binary\n", 10),
+        "<arvex><tolvan><name>\n",
+        "<arvex>" + nested + "\n",
+        "<arvex>" + deep + "\n",
+        "<arvex><tolvan><cfg><clock><time>99-99</time></clock></cfg></tolvan></arvex>\n",
+        "DATA\t1\t2\t3\t212\n",
+        "\r\n\r\n\n",
+    };
+    RawClient vandal;
+    ASSERT_TRUE(vandal.Connect(sim.port));
+    for (const std::string& input : inputs) {
+        vandal.Send(input);
+        EXPECT_TRUE(heard.WaitForData(3)) << input.substr(0, 40);
+    }
+    vandal.Send("<arvex><tolvan><name>&query_item;</name></tolvan></arvex>\n");
+    EXPECT_EQ(vandal.WaitFor([](const std::string& line) { return line.rfind("vandal", 0) == 0; }), "vandal\n");
+
+    // A line that never ends costs its sender the connection, and nobody else anything.
+    vandal.Send(std::string(3 << 20, 'x'));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sim.Log().contains("dropped: it sends a line without end"); },
+                                TIMEOUT_MS));
+    EXPECT_TRUE(heard.WaitForData(3));
+    EXPECT_TRUE(boxes.empty());
+}
+
+TEST_F(SimNetwork, ARebootClosesEveryClientAndComesBack)
+{
+    SimProcess sim({"--model", "tolvan", "--name", "phoenix"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard heard;
+    auto link = Link("phoenix", "tolvan", sim.port, heard);
+    QSignalSpy disconnected(link.get(), &Connector::Disconnected);
+    link->OnSendRawXML("<arvex><tolvan><cmd><reboot>true</reboot></cmd></tolvan></arvex>\n");
+    ASSERT_TRUE(disconnected.wait(TIMEOUT_MS));
+    ASSERT_FALSE(heard.events.empty());
+    EXPECT_EQ(heard.events.back(), "REBOOT");
+
+    // Up again after a moment, with the headers for whoever comes.
+    RawClient next;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        if (next.socket.state() == QAbstractSocket::UnconnectedState)
+            next.socket.connectToHost(QHostAddress::LocalHost, quint16(sim.port));
+        return next.socket.state() == QAbstractSocket::ConnectedState;
+    }, TIMEOUT_MS));
+    EXPECT_EQ(next.WaitFor([](const std::string& line) { return line.rfind("DATAH\t", 0) == 0; }).substr(0, 10),
+              "DATAH\tMSEC");
+}
+
+TEST_F(SimNetwork, SignalsEndItCleanly)
+{
+    for (int signal : {SIGTERM, SIGINT}) {
+        SimProcess sim({"--model", "morvik", "--name", "quiet"});
+        ASSERT_TRUE(sim.WaitListening());
+        RawClient client;
+        ASSERT_TRUE(client.Connect(sim.port));
+        ASSERT_FALSE(client.WaitFor([](const std::string& line) { return line.rfind("DATA\t", 0) == 0; }).empty());
+        ::kill(pid_t(sim.process.processId()), signal);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return sim.process.state() == QProcess::NotRunning; }, TIMEOUT_MS));
+        EXPECT_EQ(sim.process.exitStatus(), QProcess::NormalExit) << signal;
+        EXPECT_EQ(sim.process.exitCode(), 0) << signal << sim.Log().toStdString();
+    }
+}
+
+// Runs sondar-sim to its end; its exit code, or -1 if it crashed or hung.
+int run_to_end(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(SONDAR_SIM, arguments);
+    if (!process.waitForFinished(TIMEOUT_MS) || process.exitStatus() != QProcess::NormalExit)
+        return -1;
+    return process.exitCode();
+}
+
+TEST(SimCommandLine, BadArgumentsAreRefused)
+{
+    const struct {
+        QStringList arguments;
+        int status;
+    } cases[] = {
+        {{}, 2},
+        {{"--model", "tolvan"}, 2},
+        {{"--name", "x"}, 2},
+        {{"--model", "quux", "--name", "x"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--rate", "3"}, 2},
+        {{"--model", "morvik", "--name", "x", "--rate", "-1"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--port", "0"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--port", "65536"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--listen", "nowhere"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--name", "y"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--stdio"}, 2},
+        {{"--model", "tolvan", "--name"}, 2},
+        {{"--dump-spectrum", "/nonexistent-directory/spectrum.txt"}, 1},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(run_to_end(c.arguments), c.status) << c.arguments.join(" ").toStdString();
+
+    QTcpServer taken;
+    ASSERT_TRUE(taken.listen(QHostAddress::LocalHost, 0));
+    EXPECT_EQ(run_to_end({"--model", "tolvan", "--name", "x", "--port", QString::number(taken.serverPort())}), 1);
+}
+
+TEST(SimCommandLine, DumpSpectrumWritesTheGroundTruth)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("spectrum.txt");
+    ASSERT_EQ(run_to_end({"--dump-spectrum", path}), 0);
+    std::ifstream file(path.toStdString());
+    std::stringstream written;
+    written << file.rdbuf();
+    std::ostringstream truth;
+    SimSpectrum::Dump(truth);
+    EXPECT_EQ(written.str(), truth.str());
+}
+
+}  // namespace

@@ -1,0 +1,84 @@
+// The pieces that data records are made of: the line format with its sum, and the spectrum that
+// the waveforms show.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+
+#include "link/connector.h"
+#include "sim/data_line.h"
+#include "sim/spectrum.h"
+#include "sim_test_util.h"
+
+namespace {
+
+TEST(SimDataLine, SumsCheckAsTheLinkChecksThem)
+{
+    // Small sums need their leading zeros, high bytes count unsigned, and the sum wraps at 256.
+    const struct {
+        const char* record;
+        std::vector<std::string> values;
+    } cases[] = {
+        {"DATA", {"1", "2", "3"}},
+        {"D", {}},
+        {"DATA", {"\xff\xfe\xfd"}},
+        {"DATASTAT", {std::string(300, '9')}},
+        {"DATA", {"-0.001", "1e+06", "nan"}},
+    };
+    for (const auto& c : cases) {
+        DataLine line(c.record);
+        for (const std::string& value : c.values)
+            line.Add(value);
+        const std::string checked = line.Checked();
+        EXPECT_TRUE(Connector::VerifyCheckSum(checked)) << checked;
+        // The sum is three digits after a tab, then the line feed.
+        ASSERT_GE(checked.size(), 5u);
+        EXPECT_EQ(checked[checked.size() - 5], '\t');
+        EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(checked[checked.size() - 4])));
+        EXPECT_EQ(checked.back(), '\n');
+        // One byte more anywhere before the sum spoils it.
+        std::string spoiled = checked;
+        spoiled[0] = char(spoiled[0] + 1);
+        EXPECT_FALSE(Connector::VerifyCheckSum(spoiled)) << spoiled;
+    }
+    EXPECT_EQ(DataLine("DATA").Add("1").Add("2").Add("3").Checked(), "DATA\t1\t2\t3\t212\n");
+    EXPECT_EQ(DataLine("DATAH").Add("A").Plain(), "DATAH\tA\n");
+}
+
+TEST(SimSpectrum, LinesStandOutOfAZeroBaseline)
+{
+    // The lock line is a peak of the reference.
+    const double lock = SimSpectrum::LockTemperature();
+    EXPECT_GT(SimSpectrum::Reference(lock), 0.9);
+    EXPECT_GT(SimSpectrum::Reference(lock), SimSpectrum::Reference(lock - 0.0165));
+    EXPECT_GT(SimSpectrum::Reference(lock), SimSpectrum::Reference(lock + 0.0165));
+    EXPECT_LT(SimSpectrum::Sample(SimSpectrum::LOWEST), 0.01);
+    EXPECT_LT(SimSpectrum::Reference(SimSpectrum::HIGHEST), 0.02);
+    // The sample has lines the reference lacks.
+    int own_lines = 0;
+    for (double t = SimSpectrum::LOWEST; t <= SimSpectrum::HIGHEST; t += 0.01)
+        if (SimSpectrum::Sample(t) > 0.1 && SimSpectrum::Reference(t) < 0.05)
+            ++own_lines;
+    EXPECT_GT(own_lines, 0);
+}
+
+TEST(SimSpectrum, DumpCoversTheRangeInSteps)
+{
+    std::ostringstream out;
+    SimSpectrum::Dump(out);
+    const auto lines = split_lines(out.str());
+    ASSERT_EQ(lines.size(), 3031u);  // 0, 0.0165, ... 49.995
+    for (size_t i = 0; i < lines.size(); i += 97) {
+        const auto f = fields(lines[i]);
+        ASSERT_EQ(f.size(), 3u) << lines[i];
+        const double t = std::stod(f[0]);
+        EXPECT_NEAR(t, i * SimSpectrum::POINT_STEP, 1e-4);
+        EXPECT_NEAR(std::stod(f[1]), SimSpectrum::Sample(t), 1e-5);
+        EXPECT_NEAR(std::stod(f[2]), SimSpectrum::Reference(t), 1e-5);
+    }
+    EXPECT_EQ(fields(lines.front())[0], "0.0000");
+    EXPECT_LE(std::stod(fields(lines.back())[0]), SimSpectrum::HIGHEST);
+}
+
+}  // namespace
