@@ -1,12 +1,14 @@
 // sondar-sim: a simulated instrument.
 //
-//   sondar-sim --model tolvan|morvik|sarnel --name NAME [--port P] [--listen ADDR] [--rate HZ]
+//   sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ]
 //
 // serves a simulated instrument over TCP, by default on 127.0.0.1 at the port where clients look
-// for the model (4410 for a Tolvan, 4420 for a Morvik or Sarnel), until SIGINT or SIGTERM. Once
-// it listens it prints "listening on ADDRESS:PORT" on standard output.
+// for the model, until SIGINT or SIGTERM: 4410 for a Tolvan, 4420 for a Morvik or Sarnel, 4440
+// for a Dravik, 4450 for a Quenta, 4430 for a Halden, 50111 for a Bremmel and 4460 for an Ostrel.
+// MODEL is one of tolvan, morvik, sarnel, dravik, quenta, halden, bremmel and ostrel. Once it
+// listens it prints "listening on ADDRESS:PORT" on standard output.
 //
-//   sondar-sim --stdio --model tolvan|morvik|sarnel
+//   sondar-sim --stdio --model MODEL
 //
 // serves one document of the model, kept across lines: each line of standard input is one
 // message, and each gives exactly one line of output, the compact reply (empty when there is
@@ -41,8 +43,9 @@ namespace {
 
 int usage()
 {
-    std::cerr << "usage: sondar-sim --model tolvan|morvik|sarnel --name NAME [--port P] [--listen ADDR] [--rate HZ]\n"
-                 "       sondar-sim --stdio --model tolvan|morvik|sarnel\n"
+    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ]\n"
+                 "       sondar-sim --stdio --model MODEL\n"
+                 "MODEL: tolvan, morvik, sarnel, dravik, quenta, halden, bremmel or ostrel\n"
                  "       sondar-sim --dump-spectrum FILE\n";
     return 2;
 }

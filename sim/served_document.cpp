@@ -2,7 +2,12 @@
 
 #include <sstream>
 
+#include "libskarn/docbremmel.h"
+#include "libskarn/docdravik.h"
+#include "libskarn/dochalden.h"
 #include "libskarn/docmorvik.h"
+#include "libskarn/docostrel.h"
+#include "libskarn/docquenta.h"
 #include "libskarn/doctolvan.h"
 
 namespace {
@@ -20,17 +25,12 @@ public:
     }
 
 private:
-    void _serve(std::istream& in, std::ostream& out);
+    /// Every document but the Morvik's tells its listeners what a message changed.
+    void _serve(std::istream& in, std::ostream& out) { _doc.configure_and_send_events(in, out); }
     Doc _doc;
 };
 
-// The Tolvan tells its listener what a message changed; the Morvik has no events.
-template <>
-void Served<DocTolvan>::_serve(std::istream& in, std::ostream& out)
-{
-    _doc.configure_and_send_events(in, out);
-}
-
+// The Morvik has no events.
 template <>
 void Served<DocMorvik>::_serve(std::istream& in, std::ostream& out)
 {
@@ -45,5 +45,15 @@ std::unique_ptr<ServedDocument> ServedDocument::Make(const std::string& model)
         return std::make_unique<Served<DocTolvan>>();
     if (model == "morvik" || model == "sarnel")
         return std::make_unique<Served<DocMorvik>>();
+    if (model == "dravik")
+        return std::make_unique<Served<DocDravik>>();
+    if (model == "quenta")
+        return std::make_unique<Served<DocQuenta>>();
+    if (model == "halden")
+        return std::make_unique<Served<DocHalden>>();
+    if (model == "bremmel")
+        return std::make_unique<Served<DocBremmel>>();
+    if (model == "ostrel")
+        return std::make_unique<Served<DocOstrel>>();
     return nullptr;
 }

@@ -12,18 +12,10 @@ const char* const HEADERS = "DATAU\tms\ts\tns\t-\tmmol/m^3\tumol/mol\tC\tkPa\t%\
 
 }  // namespace
 
-SimMorvik::SimMorvik(const std::string& name)
+SimMorvik::SimMorvik(const std::string& name) : SimInstrument(10)
 {
     _doc.Conf().Ver().set("1.0-sim");
     _PowerUp(name);
-}
-
-bool SimMorvik::SetRate(int hz)
-{
-    if (hz < 0 || hz > 40)
-        return false;
-    _rate = hz;
-    return true;
 }
 
 std::vector<ConfigurableComposite*> SimMorvik::_Commands()

@@ -14,20 +14,17 @@ public:
     explicit SimMorvik(const std::string& name);
 
     int DefaultPort() const override { return 4420; }
-    int Rate() override { return _rate; }
-    /// Any rate from 0 to 40 per second.
-    bool SetRate(int hz) override;
 
 private:
     Configurable& _Doc() override { return _doc; }
-    ConfigModel& _Model() override { return _doc.Conf(); }
     void _Apply(std::istream& in, std::ostream& out) override { _doc.configure(in, out); }
     std::vector<ConfigurableComposite*> _Commands() override;
-    ConfigCfgClock& _Clock() override { return _doc.Conf().Cfg().Clock(); }
-    ConfigCfgNetwork& _Network() override { return _doc.Conf().Cfg().Network(); }
-    ConfigurableComposite& _Factory() override { return _doc.Conf().Factory(); }
-    ConfigFactoryCmd& _FactoryCmd() override { return _doc.Conf().Factory().Cmd(); }
-    ConfigurableBool& _RebootCmd() override { return _doc.Conf().Cmd().Reboot(); }
+    ConfigModel* _Model() override { return &_doc.Conf(); }
+    ConfigCfgClock* _Clock() override { return &_doc.Conf().Cfg().Clock(); }
+    ConfigCfgNetwork* _Network() override { return &_doc.Conf().Cfg().Network(); }
+    ConfigurableComposite* _Factory() override { return &_doc.Conf().Factory(); }
+    ConfigFactoryCmd* _FactoryCmd() override { return &_doc.Conf().Factory().Cmd(); }
+    ConfigurableBool* _RebootCmd() override { return &_doc.Conf().Cmd().Reboot(); }
     std::string _Headers() override;
     void _SendData(double time) override;
     void _SendStatus(double time) override;
@@ -36,6 +33,5 @@ private:
     int64_t _Diagnostics();
 
     DocMorvik _doc;
-    int _rate = 10;
     double _supply = 12.0;  // V, as last measured
 };

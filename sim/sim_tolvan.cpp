@@ -95,13 +95,7 @@ int SimTolvan::Rate()
 
 bool SimTolvan::SetRate(int hz)
 {
-    ConfigRate& rate = _doc.Conf().Output().Rate();
-    const std::vector<int>& rates = rate.rates();
-    const auto found = std::find(rates.begin(), rates.end(), hz);
-    if (found == rates.end())
-        return false;
-    rate.set(int(found - rates.begin()));
-    return true;
+    return _SelectRate(_doc.Conf().Output().Rate(), hz);
 }
 
 void SimTolvan::_Apply(std::istream& in, std::ostream& out)
@@ -265,14 +259,6 @@ int64_t SimTolvan::_Diagnostics(double air, double signal_strength)
 bool SimTolvan::_HeaterOn(const ConfigControl& control, bool automatic)
 {
     return control.get() == CONTROL_AUTO ? automatic : control.get() == CONTROL_ON;
-}
-
-Timestamp SimTolvan::_ClockStamp() const
-{
-    const std::time_t seconds = std::time_t(std::floor(_ClockAt(_Now())));
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    return Timestamp(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
 }
 
 void SimTolvan::_Restart()

@@ -24,14 +24,14 @@ public:
 
 private:
     Configurable& _Doc() override { return _doc; }
-    ConfigModel& _Model() override { return _doc.Conf(); }
     void _Apply(std::istream& in, std::ostream& out) override;
     std::vector<ConfigurableComposite*> _Commands() override;
-    ConfigCfgClock& _Clock() override { return _doc.Conf().Cfg().Clock(); }
-    ConfigCfgNetwork& _Network() override { return _doc.Conf().Cfg().Network(); }
-    ConfigurableComposite& _Factory() override { return _doc.Conf().Factory(); }
-    ConfigFactoryCmd& _FactoryCmd() override { return _doc.Conf().Factory().Cmd(); }
-    ConfigurableBool& _RebootCmd() override { return _doc.Conf().Cmd().Reboot(); }
+    ConfigModel* _Model() override { return &_doc.Conf(); }
+    ConfigCfgClock* _Clock() override { return &_doc.Conf().Cfg().Clock(); }
+    ConfigCfgNetwork* _Network() override { return &_doc.Conf().Cfg().Network(); }
+    ConfigurableComposite* _Factory() override { return &_doc.Conf().Factory(); }
+    ConfigFactoryCmd* _FactoryCmd() override { return &_doc.Conf().Factory().Cmd(); }
+    ConfigurableBool* _RebootCmd() override { return &_doc.Conf().Cmd().Reboot(); }
     std::string _Headers() override;
     void _SendData(double time) override;
     void _SendStatus(double time) override;
@@ -45,8 +45,6 @@ private:
     int64_t _Diagnostics(double air_temperature, double signal_strength);
     /// Whether a heater (or the mirror) runs: as its control says, or, on "auto", as `automatic`.
     static bool _HeaterOn(const ConfigControl& control, bool automatic);
-    /// The instrument's clock now, to the second.
-    Timestamp _ClockStamp() const;
 
     // What the document tells after each message.
     void OnTempRange(int index) override;

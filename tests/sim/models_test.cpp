@@ -1,0 +1,329 @@
+// The models beside the Tolvan and the Morvik: their documents over standard input, and each one
+// end to end, the real Connector against the real sondar-sim on 127.0.0.1.
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+
+#include <cmath>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "foundation/base64.h"
+#include "foundation/zlib.h"
+#include "link/connector.h"
+#include "sim/raw_capture.h"
+#include "sim_process.h"
+#include "sim_test_util.h"
+
+namespace {
+
+struct Model {
+    const char* word;
+    std::string fresh_query;  ///< the whole of a fresh document
+};
+
+std::vector<Model> models()
+{
+    return {
+        {"dravik", compact_query(DocDravik())},   {"quenta", compact_query(DocQuenta())},
+        {"halden", compact_query(DocHalden())},   {"bremmel", compact_query(DocBremmel())},
+        {"ostrel", compact_query(DocOstrel())},
+    };
+}
+
+TEST(SimModels, StdioAnswersTheWholeDocumentOfEveryModel)
+{
+    for (const Model& model : models()) {
+        QProcess sim;
+        sim.start(SONDAR_SIM, {"--stdio", "--model", model.word});
+        ASSERT_TRUE(sim.waitForStarted(TIMEOUT_MS)) << model.word;
+        sim.write("<arvex>&query;</arvex>\n");
+        sim.closeWriteChannel();
+        ASSERT_TRUE(sim.waitForFinished(TIMEOUT_MS)) << model.word;
+        EXPECT_EQ(sim.exitCode(), 0) << model.word;
+        EXPECT_EQ(sim.readAllStandardOutput().toStdString(), model.fresh_query + "\n") << model.word;
+    }
+}
+
+// Records, headers and events that a link hears.
+class Heard : public Connector::Listener {
+public:
+    void GotConnectorData(Connector& link, std::string record) override
+    {
+        data.push_back(record);
+        times.push_back(link.Time());
+    }
+    void GotConnectorEvent(Connector&, std::string, std::string event, std::string) override
+    {
+        events.push_back(event);
+    }
+    bool WaitFor(const std::string& record)
+    {
+        return QTest::qWaitFor([&] { return std::find(data.begin(), data.end(), record) != data.end(); },
+                               TIMEOUT_MS);
+    }
+    bool WaitForEvent(const std::string& event)
+    {
+        return QTest::qWaitFor([&] { return std::find(events.begin(), events.end(), event) != events.end(); },
+                               TIMEOUT_MS);
+    }
+
+    std::vector<std::string> data, events;
+    std::vector<double> times;
+};
+
+class SimModelLink : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        Connector::SetMessageBox([](QWidget*, const QString& title, const QString& text) {
+            ADD_FAILURE() << title.toStdString() << ": " << text.toStdString();
+        });
+    }
+    void TearDown() override { Connector::SetMessageBox([](QWidget*, const QString&, const QString&) {}); }
+
+    /// Starts the model's simulator and links to it as the program does, listening to `records`.
+    void Start(const std::string& model, const std::string& name, const std::vector<std::string>& records)
+    {
+        sim = std::make_unique<SimProcess>(QStringList{"--model", QString::fromStdString(model), "--name",
+                                                        QString::fromStdString(name)});
+        ASSERT_TRUE(sim->WaitListening()) << model;
+        link = Connector::Factory(nullptr, name, model);
+        for (const std::string& record : records)
+            link->RegisterListener(record, &heard);
+        link->RegisterListener("DATAEVENT", &heard);
+        link->Connect("127.0.0.1", 0, sim->port);
+        ASSERT_TRUE(heard.WaitFor("DATA")) << model;
+    }
+
+    /// The simulator's own answer to &query;, through a second client.
+    std::string Truth()
+    {
+        RawClient probe;
+        EXPECT_TRUE(probe.Connect(sim->port));
+        probe.Send("<arvex>&query;</arvex>\n");
+        std::string truth = probe.WaitForXML();
+        if (!truth.empty())
+            truth.pop_back();
+        return truth;
+    }
+
+    /// Waits until the replica equals the simulator's document, clock fields aside.
+    void ExpectMirrored(const std::string& name)
+    {
+        const std::string truth = without_clock_time(Truth());
+        if (!name.empty()) {
+            EXPECT_NE(truth.find("<name>" + name + "</name>"), std::string::npos) << truth;
+        }
+        EXPECT_TRUE(QTest::qWaitFor([&] { return without_clock_time(compact_query(link->Doc())) == truth; },
+                                    TIMEOUT_MS));
+        EXPECT_EQ(without_clock_time(compact_query(link->Doc())), truth);
+    }
+
+    /// Every checksummed line that a bare client reads until `lines` have come has a good sum.
+    void ExpectGoodSums(const std::vector<std::string>& names, size_t lines = 40)
+    {
+        RawClient raw;
+        ASSERT_TRUE(raw.Connect(sim->port));
+        std::set<std::string> seen;
+        raw.WaitFor([&](const std::string&) { return raw.lines.size() >= lines; });
+        for (const std::string& line : raw.lines) {
+            const std::string name = fields(line)[0];
+            if (std::find(names.begin(), names.end(), name) == names.end())
+                continue;
+            EXPECT_TRUE(Connector::VerifyCheckSum(line)) << line;
+            seen.insert(name);
+        }
+        EXPECT_EQ(seen.size(), names.size());
+    }
+
+    std::unique_ptr<SimProcess> sim;
+    std::shared_ptr<Connector> link;
+    Heard heard;
+};
+
+TEST_F(SimModelLink, Dravik)
+{
+    Start("dravik", "leafy", {"DATA", "DATASTAT", "DATATEST"});
+    ExpectMirrored("leafy");
+    ASSERT_TRUE(heard.WaitFor("DATASTAT"));
+    ASSERT_TRUE(heard.WaitFor("DATATEST"));
+    // DATA carries the instrument's clock; the other records take the time of the last DATA.
+    EXPECT_GT(link->VarNumeric("leafy:DATA:TIME"), 1e9);
+    EXPECT_FALSE(link->Header("DATALTH").empty());
+    ExpectGoodSums({"DATA", "DATASTAT", "DATATEST", "DATALT", "DATACELLA", "DATACELLB"});
+
+    link->OnSendRawXML("<arvex><dravik><cmd><connectlightsource>true</connectlightsource><poweroff>true</poweroff>"
+                       "</cmd></dravik></arvex>\n");
+    ASSERT_TRUE(heard.WaitForEvent("POWEROFF"));
+    EXPECT_TRUE(heard.WaitForEvent("LIGHTSOURCECONNECTED"));
+    link->OnSendRawXML("<arvex><dravik><cmd><disconnectlightsource>true</disconnectlightsource><poweron>true"
+                       "</poweron></cmd></dravik></arvex>\n");
+    EXPECT_TRUE(heard.WaitForEvent("POWERON"));
+    EXPECT_TRUE(heard.WaitForEvent("LIGHTSOURCEDISCONNECTED"));
+
+    // A zero and a span each leave a record of every coefficient in the history.
+    ConfigDravik& conf = link->Doc_Dravik().Conf();
+    link->OnSendRawXML("<arvex><dravik><cmd><co2bzero>true</co2bzero></cmd></dravik></arvex>\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return conf.History().children().size() == 1; }, TIMEOUT_MS));
+    auto* zero = dynamic_cast<ConfigCalRecordDravik*>(conf.History().children().front());
+    ASSERT_NE(zero, nullptr);
+    EXPECT_EQ(zero->Type().get(), "CO2B Zero");
+    EXPECT_EQ(zero->Co2bzero().get(), conf.Cal().Co2bzero().get());
+    EXPECT_NE(zero->Co2bzero().get(), 1.0f);
+    EXPECT_GT(zero->Time().get(), 1000000000);
+    const float co2bzero = zero->Co2bzero().get();  // the list is replaced whole at its next change
+
+    // The clock moves on to the next second first: the history tells its records apart by time.
+    const double after = link->VarNumeric("leafy:DATA:TIME") + 1.0;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return link->VarNumeric("leafy:DATA:TIME") >= std::floor(after); },
+                                TIMEOUT_MS));
+    link->OnSendRawXML("<arvex><dravik><cal><h2oaspanconc2>20</h2oaspanconc2></cal><cmd><h2oaspan2>true</h2oaspan2>"
+                       "</cmd></dravik></arvex>\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return conf.History().children().size() == 2; }, TIMEOUT_MS));
+    auto* span = dynamic_cast<ConfigCalRecordDravik*>(conf.History().children().back());
+    ASSERT_NE(span, nullptr);
+    EXPECT_EQ(span->Type().get(), "H2OA Span2: 20");
+    EXPECT_EQ(span->H2oaspan2().get(), conf.Cal().H2oaspan2().get());
+    EXPECT_NEAR(span->H2oaspan2().get(), 1 / 1.012, 0.01);
+    EXPECT_EQ(span->Co2bzero().get(), co2bzero);
+    EXPECT_FALSE(conf.Cmd().H2oaspan2().get());
+    ExpectMirrored("leafy");
+}
+
+TEST_F(SimModelLink, Quenta)
+{
+    Start("quenta", "console", {"DATA", "DATASTAT"});
+    ExpectMirrored("console");
+    ASSERT_TRUE(heard.WaitFor("DATASTAT"));
+    EXPECT_GT(link->VarNumeric("console:DATA:TIME"), 1e9);
+    ExpectGoodSums({"DATA", "DATASTAT", "DATATEST", "DATALT"}, 12);
+
+    link->Doc_Quenta().Conf().Cfg().Flow().Pump_percent().set(60);
+    link->OnSendXMLChanges();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link->VarNumeric("console:DATA:PUMP") > 55; }, TIMEOUT_MS));
+    link->OnSendRawXML("<arvex><quenta><cmd><connectlightsource>true</connectlightsource></cmd></quenta></arvex>\n");
+    ASSERT_TRUE(heard.WaitForEvent("LIGHTSOURCECONNECTED"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link->VarNumeric("console:DATADIAG:LIGHTSOURCE") == 1; }, TIMEOUT_MS));
+    ExpectMirrored("console");
+}
+
+TEST_F(SimModelLink, Halden)
+{
+    Start("halden", "fluor", {"DATA", "DATASTAT", "DATATEST"});
+    ExpectMirrored("fluor");
+    ASSERT_TRUE(heard.WaitFor("DATATEST"));
+    EXPECT_GT(link->VarNumeric("fluor:DATATEST:TIME"), 1e9);
+    ExpectGoodSums({"DATA", "DATASTAT", "DATATEST"}, 10);
+
+    ConfigHalden& conf = link->Doc_Halden().Conf();
+    link->OnSendRawXML("<arvex><halden><cmd><zero_pc0>true</zero_pc0></cmd></halden></arvex>\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return conf.History().children().size() == 1; }, TIMEOUT_MS));
+    auto* record = dynamic_cast<ConfigCalRecordHalden*>(conf.History().children().front());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->Type().get(), "Pc0 Zero");
+    EXPECT_EQ(record->Pc0().get(), conf.Cal().Pc0().get());
+    EXPECT_NE(record->Pc0().get(), 0);
+    EXPECT_EQ(record->DC0().get(), 0);
+    EXPECT_TRUE(heard.WaitForEvent("ZEROPC0"));
+    ExpectMirrored("fluor");
+}
+
+// Decodes the raw capture of a stream as the raw data window does: each line alone.
+std::string inflate_capture(const std::vector<std::string>& payloads)
+{
+    std::string compressed;
+    for (const std::string& payload : payloads)
+        Base64Decode(payload.begin(), payload.end(), std::back_inserter(compressed));
+    std::string bytes;
+    Inflate(compressed.begin(), compressed.end(), std::back_inserter(bytes));
+    return bytes;
+}
+
+std::string meant(int64_t size)
+{
+    std::string bytes;
+    for (int64_t i = 0; i < size; ++i)
+        bytes += char(SimRawCapture::Byte(i));
+    return bytes;
+}
+
+TEST(SimRawCapture, LinesDecodeAloneAndInflateToTheBytes)
+{
+    for (int64_t size : {int64_t(1), int64_t(1000), int64_t(200000)}) {
+        SimRawCapture capture(size);
+        std::string stream;
+        while (!capture.Done())
+            stream += capture.Lines(30000);
+        const auto lines = split_lines(stream);
+        ASSERT_FALSE(lines.empty());
+        EXPECT_EQ(lines.back(), "DATAFLRAW\t");
+        std::vector<std::string> payloads;
+        for (size_t i = 0; i + 1 < lines.size(); ++i) {
+            ASSERT_EQ(lines[i].compare(0, 10, "DATAFLRAW\t"), 0) << lines[i];
+            payloads.push_back(lines[i].substr(10));
+            EXPECT_EQ(payloads.back().size() % 4, 0u);
+            // Padding only at the very end: every other line is whole groups.
+            if (i + 2 < lines.size()) {
+                EXPECT_EQ(payloads.back().find('='), std::string::npos) << i;
+            }
+        }
+        EXPECT_EQ(inflate_capture(payloads), meant(size)) << size;
+        EXPECT_EQ(capture.Lines(100), "");
+    }
+}
+
+TEST_F(SimModelLink, HaldenRawCaptureInflatesToTheBytesMeant)
+{
+    Start("halden", "capture", {"DATA"});
+    const int64_t size = 300001;
+    RawClient raw;
+    ASSERT_TRUE(raw.Connect(sim->port));
+    raw.Send("<arvex><halden><cfg><rawdatacapture><when>measure</when><size>" + std::to_string(size) +
+             "</size></rawdatacapture></cfg></halden></arvex>\n"
+             "<arvex><halden><output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true"
+             "</rawcapture></cmd></halden></arvex>\n");
+    std::vector<std::string> payloads;
+    const std::string end = raw.WaitFor([&](const std::string& line) {
+        if (line.compare(0, 10, "DATAFLRAW\t") != 0)
+            return false;
+        payloads.push_back(line.substr(10, line.size() - 11));
+        return payloads.back().empty();
+    });
+    ASSERT_EQ(end, "DATAFLRAW\t\n");
+    EXPECT_GT(payloads.size(), 2u);
+    EXPECT_EQ(inflate_capture(payloads), meant(size));
+}
+
+TEST_F(SimModelLink, Bremmel)
+{
+    Start("bremmel", "logger", {"DATA", "DATASTAT", "DATAGPS", "DATASONIC", "DATACH4"});
+    ExpectMirrored("logger");
+    for (const char* record : {"DATASTAT", "DATAGPS", "DATASONIC", "DATACH4"})
+        EXPECT_TRUE(heard.WaitFor(record)) << record;
+    // DATA's time is in its third and fourth fields, that of the others in their first two.
+    EXPECT_GT(link->VarNumeric("logger:DATA:SECONDS"), 1e9);
+    EXPECT_NEAR(link->Time(), link->VarNumeric("logger:DATA:SECONDS"), 2.0);
+    ExpectGoodSums({"DATA", "DATASTAT", "DATAGPS", "DATASONIC", "DATACH4"});
+
+    link->OnSendRawXML("<arvex><bremmel><cmd><logusbstart>true</logusbstart></cmd></bremmel></arvex>\n");
+    ASSERT_TRUE(heard.WaitForEvent("LOGUSBSTART"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link->VarNumeric("logger:DATADIAG:USBLOGGING") == 1; }, TIMEOUT_MS));
+}
+
+TEST_F(SimModelLink, Ostrel)
+{
+    Start("ostrel", "ost", {"DATA"});
+    ExpectMirrored("");
+    EXPECT_GT(link->Time(), 1e9);
+    link->Doc_Ostrel().Conf().Flow().set(0.25f);
+    link->OnSendXMLChanges();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link->VarNumeric("ost:DATA:FLOWSET") == 0.25; }, TIMEOUT_MS));
+    ExpectMirrored("");
+    ExpectGoodSums({"DATA"}, 4);
+}
+
+}  // namespace
