@@ -88,4 +88,3 @@ public:
     QTcpSocket socket;
     std::vector<std::string> lines;
 };
-
