@@ -13,7 +13,7 @@ const char* const kApplication = "sondar-cal";
 
 MyCalMainWindow::MyCalMainWindow(const std::string& /*title*/, const std::string& name, const std::string& address,
                                  int port)
-    : _name(name), _connector(Connector::Factory(this, name, "tolvan"))
+    : _name(name), _connector(Connector::Factory(this, name, "tolvan")), _discovery(this)
 {
     setWindowTitle(QString::fromStdString("Calibration Control Panel: " + _name));
 
@@ -27,6 +27,15 @@ MyCalMainWindow::MyCalMainWindow(const std::string& /*title*/, const std::string
 
     if (port != 0 && !address.empty())
         _connector->Connect(address, 0, port);
+    else
+        _discovery.Browse("_arvex-tolvan._tcp");
+}
+
+void MyCalMainWindow::AddService(std::string name, std::string, std::string, unsigned, std::string,
+                                 const SocketAddress& address, const std::map<std::string, std::string>&)
+{
+    if (name == _name)
+        _connector->Connect(address.Presentation(), static_cast<int>(address.Scope()), address.Port());
 }
 
 void MyCalMainWindow::closeEvent(QCloseEvent* event)

@@ -3,8 +3,11 @@
 
 #include <QMainWindow>
 
+#include <map>
 #include <memory>
 #include <string>
+
+#include "discovery/bonjourclient.h"
 
 class Connector;
 class QCloseEvent;
@@ -12,12 +15,19 @@ class QCloseEvent;
 /// The window the program shows when started with "cal". It holds a share of the instrument's
 /// `Connector` (type "tolvan", whatever the instrument) under the instrument's name. Its geometry
 /// is kept under the settings "Arvex"/"sondar-cal", apart from the main window's.
-class MyCalMainWindow : public QMainWindow {
+class MyCalMainWindow : public QMainWindow, public BonjourClientListener {
     Q_OBJECT
 public:
     /// `title` is not shown: the window calls itself after `name`. With a non-zero `port` and a
-    /// non-empty `address` the connector dials at once; otherwise the panel just shows.
+    /// non-empty `address` the connector dials at once; otherwise the panel browses for Tolvans
+    /// and dials the one whose service name is `name`.
     MyCalMainWindow(const std::string& title, const std::string& name, const std::string& address, int port);
+
+    /// A service of exactly the window's name (case counts) is dialled at this address; the
+    /// connector tries the addresses in the order they come. Any other service is ignored.
+    void AddService(std::string name, std::string type, std::string domain, unsigned interface_index,
+                    std::string host, const SocketAddress& address,
+                    const std::map<std::string, std::string>& txt) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -25,4 +35,5 @@ protected:
 private:
     std::string _name;
     std::shared_ptr<Connector> _connector;
+    BonjourClient _discovery;
 };

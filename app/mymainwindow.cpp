@@ -7,25 +7,36 @@
 #include <QSettings>
 
 #include "app/aboutdialog.h"
+#include "app/myframe.h"
 
 namespace {
 const char* const kOrganisation = "Arvex";
 const char* const kApplication = "sondar";
 }  // namespace
 
-MyMainWindow::MyMainWindow(const std::string& /*title*/, const std::string& program_path)
+MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_path)
     : _about_text_path(AboutTextPath(program_path))
 {
+    auto* frame = new MyFrame(this, title, program_path);
+
     auto* about = new QAction("&About...", this);
     connect(about, &QAction::triggered, this, &MyMainWindow::OnAbout);
+    auto* refresh = new QAction("&Refresh", this);
+    connect(refresh, &QAction::triggered, frame, &MyFrame::OnRefresh);
     auto* exit = new QAction("E&xit", this);
     connect(exit, &QAction::triggered, this, &QWidget::close);
+    // Wired but in no menu and without a shortcut: a pretend instrument for trying the panel.
+    auto* add_test_host = new QAction("&Add Test Host", this);
+    connect(add_test_host, &QAction::triggered, frame, &MyFrame::OnAddTestHost);
+    auto* remove_test_host = new QAction("&Remove Test Host", this);
+    connect(remove_test_host, &QAction::triggered, frame, &MyFrame::OnRemoveTestHost);
 
     QMenu* file = menuBar()->addMenu("&File");
     file->addAction(about);
+    file->addAction(refresh);
     file->addSeparator();
     file->addAction(exit);
-    setCentralWidget(new QWidget(this));
+    setCentralWidget(frame);
 
     QSettings settings(kOrganisation, kApplication);
     restoreGeometry(settings.value("geometry").toByteArray());

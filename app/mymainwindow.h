@@ -1,5 +1,5 @@
 #pragma once
-// The main window of the plain program: a "File" menu around the central panel.
+// The main window of the plain program: a "File" menu around the instrument list.
 
 #include <QMainWindow>
 
@@ -12,7 +12,8 @@ class QCloseEvent;
 class MyMainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    /// `title` is not shown; `program_path` (argument 0) locates the About box's text.
+    /// `title` is not shown: the description file names the window. `program_path` (argument 0)
+    /// locates the About box's text and the panel's helper programs.
     MyMainWindow(const std::string& title, const std::string& program_path);
 
 public slots:

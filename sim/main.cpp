@@ -1,12 +1,17 @@
 // sondar-sim: a simulated instrument.
 //
-//   sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ]
+//   sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--announce]
 //
 // serves a simulated instrument over TCP, by default on 127.0.0.1 at the port where clients look
 // for the model, until SIGINT or SIGTERM: 4410 for a Tolvan, 4420 for a Morvik or Sarnel, 4440
 // for a Dravik, 4450 for a Quenta, 4430 for a Halden, 50111 for a Bremmel and 4460 for an Ostrel.
 // MODEL is one of tolvan, morvik, sarnel, dravik, quenta, halden, bremmel and ostrel. Once it
 // listens it prints "listening on ADDRESS:PORT" on standard output.
+//
+// With --announce it also announces itself through DNS-SD as NAME of the type
+// "_arvex-MODEL._tcp", and prints "announced NAME as TYPE" once the daemon has it. Without it, it
+// announces nothing: a simulator must not advertise itself on a real network by accident. Without
+// a running daemon it says so in one line on standard error and serves all the same.
 //
 //   sondar-sim --stdio --model MODEL
 //
@@ -31,10 +36,12 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <string>
 #include <unistd.h>
 
 #include "sim/served_document.h"
+#include "sim/sim_announcer.h"
 #include "sim/sim_instrument.h"
 #include "sim/sim_server.h"
 #include "sim/spectrum.h"
@@ -43,7 +50,7 @@ namespace {
 
 int usage()
 {
-    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ]\n"
+    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--announce]\n"
                  "       sondar-sim --stdio --model MODEL\n"
                  "MODEL: tolvan, morvik, sarnel, dravik, quenta, halden, bremmel or ostrel\n"
                  "       sondar-sim --dump-spectrum FILE\n";
@@ -172,6 +179,9 @@ int run_server(int argc, char** argv, std::map<std::string, std::string>& option
     const QString host = address.protocol() == QAbstractSocket::IPv6Protocol ? "[" + address.toString() + "]"
                                                                              : address.toString();
     std::cout << "listening on " << host.toStdString() << ":" << port << std::endl;
+    std::unique_ptr<SimAnnouncer> announcer;
+    if (options.count("--announce"))
+        announcer = std::make_unique<SimAnnouncer>(model, options["--name"], int(port));
     return application.exec();
 }
 
@@ -181,7 +191,7 @@ int main(int argc, char** argv)
 {
     static const std::map<std::string, bool> takes_value{
         {"--stdio", false}, {"--model", true},  {"--name", true},         {"--port", true},
-        {"--listen", true}, {"--rate", true},   {"--dump-spectrum", true},
+        {"--listen", true}, {"--rate", true},   {"--dump-spectrum", true}, {"--announce", false},
     };
     std::map<std::string, std::string> options;
     for (int i = 1; i < argc; ++i) {

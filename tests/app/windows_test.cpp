@@ -1,4 +1,5 @@
 #include "app/mycalmainwindow.h"
+#include "app/myframe.h"
 #include "app/mymainwindow.h"
 
 #include <gtest/gtest.h>
@@ -11,12 +12,16 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTreeWidget>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "link/connector.h"
+#include "tests/discovery/dnssd_double.h"
+
 namespace {
 
 // Network waits are bounded generously; they end as soon as the condition holds.
@@ -47,6 +52,7 @@ protected:
         });
         QSettings("Arvex", "sondar").clear();
         QSettings("Arvex", "sondar-cal").clear();
+        DnsSdDouble::Reset();
     }
 
     static QByteArray StoredGeometry(const char* application)
@@ -107,6 +113,35 @@ TEST_F(Windows, CalibrationPanelWithoutFullTargetDoesNotDial) {
     }
 }
 
+// In browse mode the panel dials the service of exactly its name, at the address discovery reports.
+TEST_F(Windows, CalibrationPanelBrowsesForItsInstrument) {
+    QTcpServer wanted;
+    QTcpServer other_case;
+    ASSERT_TRUE(wanted.listen(QHostAddress::LocalHost));
+    ASSERT_TRUE(other_case.listen(QHostAddress::LocalHost));
+    // The service whose name differs only in case comes first: dialling it would be seen.
+    const std::pair<const char*, QTcpServer*> services[] = {{"CAL-BROWSE", &other_case}, {"cal-browse", &wanted}};
+    for (const auto& [name, server] : services) {
+        FakeService service;
+        service.name = name;
+        service.type = "_arvex-tolvan._tcp";
+        service.host = std::string(name) + ".local.";
+        service.port = server->serverPort();
+        DnsSdDouble::AddRecord(FakeRecord::Address(service.host, 1, "127.0.0.1"));
+        DnsSdDouble::Announce(service);
+    }
+
+    MyCalMainWindow window("", "cal-browse", "", 0);
+    const auto browses = DnsSdDouble::Calls("Browse");
+    ASSERT_EQ(browses.size(), 1u);
+    EXPECT_EQ(browses[0].type, "_arvex-tolvan._tcp");
+    const auto connector = Connector::LookupConnector("cal-browse");
+    const std::string expected = "127.0.0.1:" + std::to_string(wanted.serverPort());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() == expected; }, kTimeoutMs));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return wanted.hasPendingConnections(); }, kTimeoutMs));
+    EXPECT_FALSE(other_case.hasPendingConnections());
+}
+
 TEST_F(Windows, RefusedConnectionIsReportedOverThePanel) {
     quint16 closed_port;
     {
@@ -128,7 +163,41 @@ TEST_F(Windows, MainWindowMenu) {
     QStringList texts;
     for (QAction* action : menus[0]->actions())
         texts << (action->isSeparator() ? "--" : action->text());
-    EXPECT_EQ(texts, QStringList({"&About...", "--", "E&xit"}));
+    EXPECT_EQ(texts, QStringList({"&About...", "&Refresh", "--", "E&xit"}));
+}
+
+// The test host actions stand in no menu but are wired to the panel.
+TEST_F(Windows, TestHostActions)
+{
+    MyMainWindow window("Arvex Sondar", "/opt/arvex/sondar");
+    auto* frame = qobject_cast<MyFrame*>(window.centralWidget());
+    ASSERT_NE(frame, nullptr);
+    std::map<QString, QAction*> actions;
+    for (QAction* action : window.findChildren<QAction*>())
+        actions[action->text()] = action;
+    for (const char* text : {"&Add Test Host", "&Remove Test Host"}) {
+        ASSERT_EQ(actions.count(text), 1u) << text;
+        EXPECT_TRUE(actions[text]->associatedWidgets().isEmpty()) << text;
+        EXPECT_TRUE(actions[text]->shortcut().isEmpty()) << text;
+    }
+
+    actions["&Add Test Host"]->trigger();
+    ASSERT_EQ(frame->Instruments().size(), 2u);
+    const InstInfo& host = frame->Instruments()[0];
+    EXPECT_EQ(host.name, "ch4-testhost");
+    EXPECT_EQ(host.type, "tolvan");
+    EXPECT_EQ(host.host, "ch4-testhost.local.");
+    EXPECT_EQ(host.SelectIPAddress(true), "127.0.0.1");
+    EXPECT_EQ(host.addresses.begin()->Port(), 4420);
+    EXPECT_EQ(host.txt, (std::map<std::string, std::string>{{"company", "Arvex"}, {"model", "Arvex-TestHost"},
+                                                            {"ver", "0.0.1"}}));
+    auto* tree = frame->findChild<QTreeWidget*>();
+    EXPECT_EQ(tree->topLevelItem(0)->text(1), "Arvex-TestHost");
+    EXPECT_EQ(tree->topLevelItem(0)->text(2), "0.0.1");
+
+    actions["&Remove Test Host"]->trigger();
+    ASSERT_EQ(frame->Instruments().size(), 1u);
+    EXPECT_EQ(frame->Instruments()[0].name, "Other...");
 }
 
 // Each window keeps its geometry under its own settings, stored on close and restored when

@@ -1,0 +1,232 @@
+#include "app/configdoc.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace {
+
+// Reads one description file; the replies of the reading come back in `replies`.
+void Read(ConfigDoc& doc, const std::string& xml, std::string* replies = nullptr)
+{
+    std::istringstream in(xml);
+    std::ostringstream out;
+    doc.configure(in, out);
+    if (replies)
+        *replies = out.str();
+}
+
+Defines Make(std::initializer_list<std::pair<const char*, const char*>> pairs)
+{
+    Defines defines;
+    for (const auto& pair : pairs)
+        defines.Add(pair.first, pair.second);
+    return defines;
+}
+
+TEST(ConfigDoc, ExampleFile)
+{
+    ConfigDoc doc;
+    Read(doc,
+         "<config><defines><define><name>ver</name><value>0.0.22</value></define><define><name>aaa</name>"
+         "<value>zzz</value></define></defines><buttons><button><caption>update firmware to $(ver)</caption>"
+         "<cmds><cmd>cmd1</cmd><cmd>cmd2</cmd></cmds></button></buttons></config>");
+    Defines defines;
+    doc.GetDefines(defines);
+    EXPECT_EQ(defines.Map(), (std::map<std::string, std::string>{{"aaa", "zzz"}, {"ver", "0.0.22"}}));
+
+    std::vector<std::shared_ptr<ButtonConfig>> buttons;
+    doc.GetButtons(buttons);
+    ASSERT_EQ(buttons.size(), 1u);
+    ASSERT_EQ(buttons[0]->cmds.size(), 2u);
+    EXPECT_EQ(buttons[0]->cmds[0]->cmd, "cmd1");
+    EXPECT_EQ(buttons[0]->cmds[1]->cmd, "cmd2");
+    buttons[0]->ApplyDefines(defines);
+    EXPECT_EQ(buttons[0]->caption, "update firmware to 0.0.22");
+
+    // The document keeps its own text: every Get builds afresh.
+    std::vector<std::shared_ptr<ButtonConfig>> again;
+    doc.GetButtons(again);
+    EXPECT_EQ(again[0]->caption, "update firmware to $(ver)");
+}
+
+TEST(ConfigDoc, EverythingOfAFullFile)
+{
+    ConfigDoc doc;
+    std::string replies;
+    Read(doc,
+         "<config>\n"
+         "  <title>Arvex Sondar</title>\n"
+         "  <description>read, not shown</description>\n"
+         "  <services><service>_arvex-tolvan._tcp</service><x>_arvex-halden._tcp</x></services>\n"
+         "  <defines><define><name>ip</name><value>file</value></define>"
+         "<define><name>ip</name><value>second</value></define></defines>\n"
+         "  <buttons>\n"
+         "    <button service=\"tolvan morvik\" version=\"1.2\" uboot=\"u7\" standalone=\"yes\">\n"
+         "      <caption>Flash</caption>\n"
+         "      <cmds><cmd description=\"Erase\" runtime=\"30\" nofail=\"true\" nooutput=\"true\""
+         " retrycount=\"2\" retrywait=\"5\">erase all</cmd><cmd>plain</cmd></cmds>\n"
+         "    </button>\n"
+         "    <button><caption>watch-tolvan</caption></button>\n"
+         "  </buttons>\n"
+         "</config>\n",
+         &replies);
+    EXPECT_EQ(replies.find("Error"), std::string::npos) << replies;
+    EXPECT_EQ(doc.Title(), "Arvex Sondar");
+
+    std::vector<std::string> services;
+    doc.GetServices(services);
+    EXPECT_EQ(services, (std::vector<std::string>{"_arvex-tolvan._tcp", "_arvex-halden._tcp"}));
+
+    Defines defines;
+    doc.GetDefines(defines);
+    EXPECT_EQ(defines.Map().at("ip"), "file");  // a later define of the same name does not replace it
+
+    std::vector<std::shared_ptr<ButtonConfig>> buttons;
+    doc.GetButtons(buttons);
+    ASSERT_EQ(buttons.size(), 2u);
+    const ButtonConfig& flash = *buttons[0];
+    EXPECT_EQ(flash.caption, "Flash");
+    EXPECT_EQ(flash.service, "tolvan morvik");
+    EXPECT_EQ(flash.version, "1.2");
+    EXPECT_EQ(flash.uboot, "u7");
+    EXPECT_TRUE(flash.standalone);
+    ASSERT_EQ(flash.cmds.size(), 2u);
+    const CmdConfig& erase = *flash.cmds[0];
+    EXPECT_EQ(erase.cmd, "erase all");
+    EXPECT_EQ(erase.description, "Erase");
+    EXPECT_EQ(erase.runtime, 30);
+    EXPECT_TRUE(erase.nofail);
+    EXPECT_TRUE(erase.nooutput);
+    EXPECT_EQ(erase.retrycount, 2);
+    EXPECT_EQ(erase.retrywait, 5);
+    // Attributes that were not given count as their defaults.
+    const CmdConfig& plain = *flash.cmds[1];
+    EXPECT_EQ(plain.description, "");
+    EXPECT_EQ(plain.runtime, 0);
+    EXPECT_FALSE(plain.nofail);
+    EXPECT_FALSE(plain.nooutput);
+    const ButtonConfig& watch = *buttons[1];
+    EXPECT_EQ(watch.service, "");
+    EXPECT_FALSE(watch.standalone);
+    EXPECT_TRUE(watch.cmds.empty());
+}
+
+TEST(ConfigDoc, BadValueIsReportedAndTheRestIsRead)
+{
+    ConfigDoc doc;
+    std::string replies;
+    Read(doc, "<config><title>T</title><buttons><button><caption>B</caption><cmds>"
+              "<cmd nofail=\"yes\">x</cmd></cmds></button></buttons></config>",
+         &replies);
+    EXPECT_NE(replies.find("Error"), std::string::npos);
+    EXPECT_EQ(doc.Title(), "T");
+    std::vector<std::shared_ptr<ButtonConfig>> buttons;
+    doc.GetButtons(buttons);
+    ASSERT_EQ(buttons.size(), 1u);
+    ASSERT_EQ(buttons[0]->cmds.size(), 1u);
+    EXPECT_EQ(buttons[0]->cmds[0]->cmd, "x");
+    EXPECT_FALSE(buttons[0]->cmds[0]->nofail);
+}
+
+TEST(Defines, Apply)
+{
+    const Defines defines = Make({{"ver", "1"}, {"name", "ch4"}, {"a", "$(name)-$(ver)"}, {"", "EMPTY"}});
+    const struct {
+        const char* text;
+        const char* applied;
+    } rows[] = {
+        {"$(missing)x", "x"},            // unknown names give nothing
+        {"a$(ver", "a1"},                // an unclosed macro takes the rest of the text as its name
+        {"$(ver", "1"},
+        {"$(", "EMPTY"},                 // the empty name, unclosed
+        {"x$()y", "xEMPTYy"},
+        {"$(ver)$(ver)", "11"},
+        {"v$(ver).$(name)!", "v1.ch4!"},
+        {"$(a)", "ch4-1"},               // a value's macros are replaced in their turn
+        {")$(ver)", ")1"},               // a ")" before the macro is no end of it
+        {"$(ver$(name))", ")"},          // the name runs to the first ")": "ver$(name"
+        {"$ (ver)", "$ (ver)"},
+        {"$", "$"},
+        {"", ""},
+        {"plain text", "plain text"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(defines.Apply(row.text), row.applied) << row.text;
+}
+
+// A define that uses another resolves whichever of the two sorts first.
+TEST(Defines, DefineOfADefine)
+{
+    Defines defines = Make({{"a_first", "<$(z_last)>"}, {"m", "$(a_first)+$(z_last)"}, {"z_last", "$(zz)"},
+                            {"zz", "deep"}});
+    defines.ApplyDefines();
+    EXPECT_EQ(defines.Map().at("a_first"), "<deep>");
+    EXPECT_EQ(defines.Map().at("m"), "<deep>+deep");
+    EXPECT_EQ(defines.Map().at("z_last"), "deep");
+    EXPECT_EQ(defines.Map().at("zz"), "deep");
+}
+
+TEST(Defines, AddDoesNotOverride)
+{
+    ConfigDoc doc;
+    Read(doc, "<config><defines><define><name>ip</name><value>10.9.8.7</value></define></defines></config>");
+    Defines defines;
+    doc.GetDefines(defines);
+    defines.Add("ip", "fe80::1%2");
+    defines.Add("ipv4", "10.0.0.1");
+    EXPECT_EQ(defines.Map().at("ip"), "10.9.8.7");
+    EXPECT_EQ(defines.Map().at("ipv4"), "10.0.0.1");
+}
+
+TEST(Defines, Json)
+{
+    const struct {
+        Defines defines;
+        const char* json;
+    } rows[] = {
+        {Defines(), "null\n"},
+        {Make({{"name", "ch4"}, {"ip", "fe80::1%2"}}), "{\"ip\":\"fe80::1%2\",\"name\":\"ch4\"}\n"},
+        {Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}}), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n"},
+    };
+    for (const auto& row : rows) {
+        std::ostringstream out;
+        out << row.defines;
+        EXPECT_EQ(out.str(), row.json);
+    }
+}
+
+// Buttons strip before applying, commands apply before stripping: a line break inside a value
+// survives in a caption and vanishes from a command.
+TEST(Defines, StrippingOrder)
+{
+    Defines defines = Make({{"nl", "one\ntwo  three"}, {"ref", "$(nl)"}});
+    ButtonConfig button;
+    button.caption = "a\t  $(ref)\n b";
+    button.service = "tol\tvan  morvik";
+    button.version = "$(nl)";
+    auto command = std::make_shared<CmdConfig>();
+    command->cmd = "flash\t $(ref)  now";
+    command->description = "Step:\n$(nl)";
+    button.cmds.push_back(command);
+
+    button.ApplyDefines(defines);
+    EXPECT_EQ(defines.Map().at("ref"), "one\ntwo  three");  // ApplyDefines ran on the defines
+    EXPECT_EQ(button.caption, "a one\ntwo  three b");
+    EXPECT_EQ(button.service, "tolvan morvik");
+    EXPECT_EQ(button.version, "one\ntwo  three");
+    EXPECT_EQ(command->cmd, "flash onetwo three now");
+    EXPECT_EQ(command->description, "Step:onetwo three");
+}
+
+TEST(Defines, CaptionWithTabsAndBlanks)
+{
+    Defines defines;
+    ButtonConfig button;
+    button.caption = "Update\t\tfirmware  now";
+    button.ApplyDefines(defines);
+    EXPECT_EQ(button.caption, "Updatefirmware now");
+}
+
+}  // namespace

@@ -1,0 +1,313 @@
+#include "app/externaldialog.h"
+#include "app/externaltextedit.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+const int kTimeoutMs = 20000;
+
+// --- the output area ---
+
+// The colour of the character at `position` of the area.
+QColor ColourAt(ExternalTextEdit& edit, int position)
+{
+    QTextCursor cursor(edit.document());
+    cursor.setPosition(position + 1);
+    return cursor.charFormat().foreground().color();
+}
+
+TEST(ExternalTextEdit, AppendsAndRedrawsTheLastLine)
+{
+    ExternalTextEdit edit(nullptr);
+    edit.AppendPlainText("first line\nprogress 10%", Qt::black);
+    edit.AppendPlainText("\rprogress 20%", Qt::black);
+    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 20%");
+    edit.AppendPlainText("\rprogress 30%\n", Qt::black);
+    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\n");
+    // After a line feed the current line is empty: a redraw takes nothing away.
+    edit.AppendPlainText("\rdone", Qt::black);
+    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\ndone");
+    edit.AppendPlainText("", Qt::black);
+    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\ndone");
+}
+
+TEST(ExternalTextEdit, OnlyALeadingCarriageReturnRedraws)
+{
+    ExternalTextEdit edit(nullptr);
+    edit.AppendPlainText("keep\nold", Qt::black);
+    edit.AppendPlainText("A\rB", Qt::black);
+    EXPECT_TRUE(edit.toPlainText().startsWith("keep\noldA"));
+    EXPECT_TRUE(edit.toPlainText().endsWith("B"));
+}
+
+TEST(ExternalTextEdit, StopsAtTheFirstNulAndColours)
+{
+    ExternalTextEdit edit(nullptr);
+    edit.AppendPlainText("out", Qt::black);
+    edit.AppendPlainText(QByteArray("err\0hidden", 10), Qt::red);
+    EXPECT_EQ(edit.toPlainText(), "outerr");
+    EXPECT_EQ(ColourAt(edit, 0), QColor(Qt::black));
+    EXPECT_EQ(ColourAt(edit, 3), QColor(Qt::red));
+}
+
+TEST(ExternalTextEdit, KeysArePassedOnNotTyped)
+{
+    ExternalTextEdit edit(nullptr);
+    QString keys;
+    QObject::connect(&edit, &ExternalTextEdit::KeyPressed, [&](QKeyEvent* event) { keys += event->text(); });
+    QTest::keyClicks(&edit, "ab");
+    QTest::keyClick(&edit, Qt::Key_Return);
+    EXPECT_EQ(keys, "ab\r");
+    EXPECT_EQ(edit.toPlainText(), "");
+}
+
+// --- the runner ---
+
+struct Box {
+    QMessageBox::Icon icon;
+    QString title, text;
+    QMessageBox::StandardButtons buttons;
+};
+
+// Runs button sequences against real child processes, /bin/sh scripts in a temporary directory.
+// Boxes are written down and answered with `answers` in turn (Ok when none is left).
+class Runner : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(_dir.isValid());
+        ExternalDialog::SetMessageBox([this](QWidget*, QMessageBox::Icon icon, const QString& title,
+                                             const QString& text, QMessageBox::StandardButtons buttons) {
+            _boxes.push_back({icon, title, text, buttons});
+            if (_answers.empty())
+                return QMessageBox::Ok;
+            const QMessageBox::StandardButton answer = _answers.front();
+            _answers.erase(_answers.begin());
+            return answer;
+        });
+    }
+    void TearDown() override
+    {
+        delete _dialog;
+        ExternalDialog::SetMessageBox(nullptr);
+    }
+
+    std::string Path(const char* name) const { return _dir.filePath(name).toStdString(); }
+
+    // A script in the temporary directory; `body` runs under /bin/sh.
+    std::string Script(const char* name, const std::string& body)
+    {
+        QFile file(_dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString("#!/bin/sh\n" + body + "\n"));
+        file.close();
+        file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+        return "/bin/sh " + Path(name);
+    }
+
+    static std::shared_ptr<CmdConfig> Cmd(const std::string& cmd, const std::string& description = "",
+                                          bool nofail = false, bool nooutput = false)
+    {
+        auto command = std::make_shared<CmdConfig>();
+        command->cmd = cmd;
+        command->description = description;
+        command->nofail = nofail;
+        command->nooutput = nooutput;
+        return command;
+    }
+
+    ExternalDialog& Start(std::vector<std::shared_ptr<CmdConfig>> cmds, const Defines& defines = Defines())
+    {
+        ButtonConfig button;
+        button.caption = "Update";
+        button.cmds = std::move(cmds);
+        _dialog = new ExternalDialog(nullptr, button, defines);
+        _dialog->show();
+        _dialog->RunCmds();
+        return *_dialog;
+    }
+
+    bool WaitForBoxes(size_t count)
+    {
+        return QTest::qWaitFor([&] { return _boxes.size() >= count; }, kTimeoutMs);
+    }
+
+    QString Output() const { return _dialog->findChild<ExternalTextEdit*>()->toPlainText(); }
+
+    QTemporaryDir _dir;
+    QPointer<ExternalDialog> _dialog;
+    std::vector<Box> _boxes;
+    std::vector<QMessageBox::StandardButton> _answers;
+};
+
+TEST_F(Runner, SequenceRunsInOrderAndSucceeds)
+{
+    const std::string marker = Path("marker");
+    ExternalDialog& dialog = Start({
+        Cmd(Script("one.sh", "echo out-one; echo err-one >&2; echo 1 > " + marker), "Step one"),
+        Cmd(Script("two.sh", "echo out-two; cat " + marker), "Step two"),
+    });
+    EXPECT_EQ(dialog.windowTitle(), "Update -- Running...");
+    EXPECT_EQ(dialog.size(), QSize(600, 400));
+    ASSERT_TRUE(WaitForBoxes(1));
+    ASSERT_EQ(_boxes.size(), 1u);
+    EXPECT_EQ(_boxes[0].icon, QMessageBox::Information);
+    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
+    EXPECT_EQ(_boxes[0].text, "Succeeded");
+    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Ok);
+    EXPECT_EQ(dialog.windowTitle(), "Update -- Finished");
+    EXPECT_EQ(Output(), "*** Step one ***\nout-one\nerr-one\n*** Step two ***\nout-two\n1\n");
+
+    // Headings in blue, standard output in black, standard error in red.
+    auto* edit = dialog.findChild<ExternalTextEdit*>();
+    const QString text = Output();
+    EXPECT_EQ(ColourAt(*edit, text.indexOf("Step one")), QColor(Qt::blue));
+    EXPECT_EQ(ColourAt(*edit, text.indexOf("out-one")), QColor(Qt::black));
+    EXPECT_EQ(ColourAt(*edit, text.indexOf("err-one")), QColor(Qt::red));
+
+    // Back at the start, the same sequence can run again.
+    dialog.RunCmds();
+    ASSERT_TRUE(WaitForBoxes(2));
+    EXPECT_EQ(_boxes[1].title, "Update -- Finished");
+}
+
+TEST_F(Runner, FailureStopsTheSequence)
+{
+    const std::string marker = Path("never");
+    ExternalDialog& dialog = Start({
+        Cmd(Script("fail.sh", "echo failing; exit 3"), "Erase flash"),
+        Cmd(Script("after.sh", "touch " + marker), "After"),
+    });
+    ASSERT_TRUE(WaitForBoxes(1));
+    QTest::qWait(200);  // time for a wrongly started second command to show
+    ASSERT_EQ(_boxes.size(), 1u);
+    EXPECT_EQ(_boxes[0].icon, QMessageBox::Critical);
+    EXPECT_EQ(_boxes[0].title, "Update -- ERROR");
+    EXPECT_EQ(_boxes[0].text, "Error running command 'Erase flash'");
+    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Close);
+    EXPECT_EQ(dialog.windowTitle(), "Update -- ERROR");
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
+    EXPECT_EQ(Output(), "*** Erase flash ***\nfailing\n");
+}
+
+TEST_F(Runner, NofailGoesOnAndNooutputKeepsOnlyTheHeading)
+{
+    Start({
+        Cmd(Script("fail.sh", "echo shown; exit 3"), "May fail", true),
+        Cmd(Script("quiet.sh", "echo hidden; echo hidden-too >&2"), "Quiet", false, true),
+        Cmd(Script("last.sh", "echo last"), "Last"),
+    });
+    ASSERT_TRUE(WaitForBoxes(1));
+    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
+    EXPECT_EQ(Output(), "*** May fail ***\nshown\n*** Quiet ***\n*** Last ***\nlast\n");
+}
+
+TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
+{
+    // A directory with a blank in it only works because it is quoted in front of the command.
+    ASSERT_TRUE(QDir(_dir.path()).mkdir("my programs"));
+    const std::string program_dir = Path("my programs") + "/";
+    const std::string received = Path("received");
+    QFile helper(QString::fromStdString(program_dir + "cmd_flash"));
+    ASSERT_TRUE(helper.open(QIODevice::WriteOnly));
+    helper.write(QByteArray::fromStdString("#!/bin/sh\nIFS= read -r json\nIFS= read -r blank\n"
+                                           "printf '%s|%s|%s\\n' \"$1\" \"$json\" \"$blank\" > '" +
+                                           received + "'\necho flashed\n"));
+    helper.close();
+    helper.setPermissions(helper.permissions() | QFileDevice::ExeOwner);
+
+    Defines defines;
+    defines.Add("program_dir", program_dir);
+    defines.Add("ip", "fe80::1%2");
+    testing::internal::CaptureStdout();
+    Start({Cmd("cmd_flash x", "Flash")}, defines);
+    ASSERT_TRUE(WaitForBoxes(1));
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(out, "Executing command: \"" + program_dir + "\"cmd_flash x\n");
+    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
+    QFile file(QString::fromStdString(received));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().toStdString(),
+              "x|{\"ip\":\"fe80::1%2\",\"program_dir\":\"" + program_dir + "\"}|\n");
+    EXPECT_EQ(Output(), "*** Flash ***\nflashed\n");
+}
+
+// The question is the text from its tenth character on.
+TEST_F(Runner, ConfirmAsksAndOkGoesOn)
+{
+    _answers = {QMessageBox::Ok, QMessageBox::Ok};
+    Start({Cmd("Confirm: Erase?"), Cmd("Confirm:Erase?"), Cmd(Script("go.sh", "echo went"), "Go")});
+    ASSERT_TRUE(WaitForBoxes(3));
+    EXPECT_EQ(_boxes[0].icon, QMessageBox::Question);
+    EXPECT_EQ(_boxes[0].title, "Confirm");
+    EXPECT_EQ(_boxes[0].text, "Erase?");
+    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Ok | QMessageBox::Cancel);
+    EXPECT_EQ(_boxes[1].text, "rase?");
+    // The last step was a process: an Ok button.
+    EXPECT_EQ(_boxes[2].title, "Update -- Finished");
+    EXPECT_EQ(_boxes[2].buttons, QMessageBox::Ok);
+    EXPECT_EQ(Output(), "*** Go ***\nwent\n");
+}
+
+TEST_F(Runner, ConfirmCancelledEndsTheSequence)
+{
+    _answers = {QMessageBox::Cancel};
+    const std::string marker = Path("never");
+    ExternalDialog& dialog = Start({Cmd("Confirm: Really?"), Cmd(Script("after.sh", "touch " + marker))});
+    ASSERT_EQ(_boxes.size(), 2u);  // the question runs at once, inside RunCmds
+    EXPECT_EQ(_boxes[1].icon, QMessageBox::Information);  // cancelling counts as success
+    EXPECT_EQ(_boxes[1].title, "Update -- Cancelled");
+    EXPECT_EQ(_boxes[1].text, "Update cancelled");
+    EXPECT_EQ(_boxes[1].buttons, QMessageBox::Close);
+    EXPECT_EQ(dialog.windowTitle(), "Update -- Cancelled");
+    QTest::qWait(200);
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
+}
+
+TEST_F(Runner, ConfirmAsTheLastStepEndsWithClose)
+{
+    Start({Cmd(Script("first.sh", "true")), Cmd("Confirm: Reboot now?")});
+    ASSERT_TRUE(WaitForBoxes(2));
+    EXPECT_EQ(_boxes[0].text, "Reboot now?");
+    EXPECT_EQ(_boxes[1].icon, QMessageBox::Information);
+    EXPECT_EQ(_boxes[1].title, "Update -- Finished");
+    EXPECT_EQ(_boxes[1].text, "Succeeded");
+    EXPECT_EQ(_boxes[1].buttons, QMessageBox::Close);
+}
+
+// A key typed in the output area reaches the command, which redraws its line in answer.
+TEST_F(Runner, KeysReachTheCommandWhichRedrawsItsLine)
+{
+    Start({Cmd(Script("ask.sh", "printf 'press a key'; c=$(dd bs=1 count=1 2>/dev/null); printf '\\rgot %s\\n' \"$c\""),
+               "Ask")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Output().endsWith("press a key"); }, kTimeoutMs));
+    QTest::keyClick(_dialog->findChild<ExternalTextEdit*>(), Qt::Key_Y);
+    ASSERT_TRUE(WaitForBoxes(1));
+    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
+    EXPECT_EQ(Output(), "*** Ask ***\ngot y\n");
+}
+
+// With no finished signal the window stays as it was: only the heading tells.
+TEST_F(Runner, CommandThatCannotStartLeavesTheWindowRunning)
+{
+    ExternalDialog& dialog = Start({Cmd(Path("no-such-program") + " --flag", "Missing")});
+    QTest::qWait(500);
+    EXPECT_TRUE(_boxes.empty());
+    EXPECT_EQ(dialog.windowTitle(), "Update -- Running...");
+    EXPECT_EQ(Output(), "*** Missing ***\n");
+}
+
+}  // namespace

@@ -1,0 +1,108 @@
+// The real panel with real discovery against a real avahi-daemon. Runs only inside
+// tests/discovery/mdns_sandbox.sh, which gives it a network namespace with nothing but loopback
+// and a daemon of its own there.
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <net/if.h>
+
+#include <string>
+#include <vector>
+
+#include "app/myframe.h"
+#include "app/mymainwindow.h"
+#include "discovery/bonjourclient.h"
+#include "tests/app/app_test_util.h"
+
+namespace {
+
+// The daemon answers within milliseconds on loopback; the bound is for loaded machines.
+constexpr int kTimeoutMs = 20000;
+
+std::vector<std::string> InterfaceNames()
+{
+    std::vector<std::string> names;
+    if (struct if_nameindex* interfaces = if_nameindex()) {
+        for (struct if_nameindex* i = interfaces; i->if_index != 0; ++i)
+            names.push_back(i->if_name);
+        if_freenameindex(interfaces);
+    }
+    return names;
+}
+
+// Hears only that its registration went through.
+class Announcer : public BonjourClientListener {
+public:
+    void ServiceRegistered(std::string, std::string, std::string) override { registered = true; }
+    bool ServiceError(std::string message) override
+    {
+        ADD_FAILURE() << message;
+        return false;
+    }
+    bool registered = false;
+};
+
+TEST(PanelWithDaemon, AnnouncedSimulatorIsListedWithModelAndVersion)
+{
+    if (qEnvironmentVariableIsEmpty("SONDAR_MDNS_SANDBOX"))
+        GTEST_SKIP() << "needs the private daemon: run through tests/discovery/mdns_sandbox.sh";
+    // Multicast DNS must not reach a real network: refuse to run beside anything but lo.
+    ASSERT_EQ(InterfaceNames(), std::vector<std::string>{"lo"});
+
+    // A simulated Tolvan on loopback, at its usual port: the namespace has that port to itself.
+    QProcess sim;
+    sim.start(SONDAR_SIM, {"--model", "tolvan", "--name", "sim-tolvan"});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sim.readAllStandardOutput().contains("listening on"); }, kTimeoutMs));
+
+    Announcer announcer;
+    BonjourClient registration(&announcer);
+    registration.Register("sim-tolvan", "_arvex-tolvan._tcp", "", 4410,
+                          {{"model", "Tolvan"}, {"ver", "2.1.0"}, {"company", "Arvex"}});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return announcer.registered; }, kTimeoutMs));
+
+    DescriptionFile file("<config><title>Sandbox</title><services><service>_arvex-tolvan._tcp</service>"
+                         "<service>_arvex-halden._tcp</service></services></config>");
+    MyMainWindow window("Arvex Sondar", "/opt/arvex/sondar");
+    window.show();
+    EXPECT_EQ(window.windowTitle(), "Sandbox");
+    auto* frame = qobject_cast<MyFrame*>(window.centralWidget());
+    ASSERT_NE(frame, nullptr);
+    auto* tree = frame->findChild<QTreeWidget*>();
+    // Both addresses of the sandbox host, 127.0.0.1 and ::1, make it into the one row, which
+    // sorts after "Other...".
+    auto listed = [&] {
+        return frame->Instruments().size() == 2 && frame->Instruments()[1].addresses.size() == 2;
+    };
+    ASSERT_TRUE(QTest::qWaitFor(listed, kTimeoutMs)) << [&] {
+        std::string seen;
+        for (const InstInfo& info : frame->Instruments())
+            seen += info.name + " (" + std::to_string(info.addresses.size()) + " addresses) ";
+        return seen;
+    }();
+    ASSERT_EQ(tree->topLevelItemCount(), 2);
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "Other...");
+    EXPECT_EQ(tree->topLevelItem(1)->text(0), "sim-tolvan");
+    EXPECT_EQ(tree->topLevelItem(1)->text(1), "Tolvan");
+    EXPECT_EQ(tree->topLevelItem(1)->text(2), "2.1.0");
+
+    // The address the panel would dial reaches the simulator.
+    const InstInfo& info = frame->Instruments()[1];
+    EXPECT_EQ(info.type, "tolvan");
+    int scope = 0, port = 0;
+    const std::string address = info.SelectIPAddress(true, &scope, &port);
+    EXPECT_EQ(address, "127.0.0.1");
+    EXPECT_EQ(port, 4410);
+    QTcpSocket socket;
+    socket.connectToHost(QString::fromStdString(address), quint16(port));
+    EXPECT_TRUE(socket.waitForConnected(kTimeoutMs)) << socket.errorString().toStdString();
+
+    sim.terminate();
+    EXPECT_TRUE(sim.waitForFinished(kTimeoutMs));
+}
+
+}  // namespace

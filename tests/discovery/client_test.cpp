@@ -1,0 +1,491 @@
+// The client against the test double: every answer comes through a pipe, the client's socket
+// notifier and the event loop, as it does from a daemon.
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include <arpa/inet.h>
+
+#include <functional>
+#include <memory>
+#include <set>
+
+#include "discovery/bonjourclient.h"
+#include "discovery_test_util.h"
+#include "tests/discovery/dnssd_double.h"
+
+namespace {
+
+constexpr int kTimeoutMs = 5000;
+const char* const kType = "_arvex-tolvan._tcp";
+
+FakeService Tolvan(const std::string& name = "ch4-sim-1", const std::string& host = "tolvan-1.local.")
+{
+    FakeService service;
+    service.name = name;
+    service.type = kType;
+    service.host = host;
+    service.port = 4410;
+    service.txt = std::string("\x0cmodel=Tolvan\x07ver=1.2\x0d" "company=Arvex");
+    return service;
+}
+
+SocketAddress Address(const std::string& text, int port, unsigned scope = 0)
+{
+    SocketAddress address(text);
+    address.Port(port);
+    address.Scope(scope);
+    return address;
+}
+
+class Client : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        DnsSdDouble::Reset();
+        client = std::make_unique<BonjourClient>(&listener);
+    }
+    void TearDown() override
+    {
+        client.reset();
+        EXPECT_TRUE(DnsSdDouble::LiveRefs().empty()) << "the client left requests behind";
+    }
+
+    /// Runs the event loop until every queued answer has been taken.
+    static void Settle() { EXPECT_TRUE(QTest::qWaitFor([] { return DnsSdDouble::PendingAnswers() == 0; }, kTimeoutMs)); }
+
+    /// Announces `service` with `records` and browses for its type.
+    void Find(const FakeService& service, const std::vector<FakeRecord>& records)
+    {
+        DnsSdDouble::Announce(service);
+        for (const FakeRecord& record : records)
+            DnsSdDouble::AddRecord(record);
+        client->Browse(service.type);
+        Settle();
+    }
+
+    RecordingListener listener;
+    std::unique_ptr<BonjourClient> client;
+};
+
+TEST_F(Client, BrowseResolvesAndReportsOncePerAddress)
+{
+    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.1.2.3"),
+                    FakeRecord::Address("tolvan-1.local.", 2, "fe80::1"),
+                    FakeRecord::Address("tolvan-1.local.", 2, "2001:db8::7")});
+
+    ASSERT_EQ(listener.added.size(), 3u);
+    std::set<SocketAddress> addresses;
+    for (const FoundAddress& found : listener.added) {
+        EXPECT_EQ(found.name, "ch4-sim-1");
+        EXPECT_EQ(found.type, kType);
+        EXPECT_EQ(found.domain, "local.");
+        EXPECT_EQ(found.interface_index, 2u);
+        EXPECT_EQ(found.host, "tolvan-1.local.");
+        const std::map<std::string, std::string> txt{{"model", "Tolvan"}, {"ver", "1.2"}, {"company", "Arvex"}};
+        EXPECT_EQ(found.txt, txt);
+        addresses.insert(found.address);
+    }
+    EXPECT_EQ(addresses, (std::set<SocketAddress>{Address("10.1.2.3", 4410), Address("fe80::1", 4410, 2),
+                                                  Address("2001:db8::7", 4410)}));
+    EXPECT_TRUE(listener.errors.empty());
+
+    // The calls as the platform documents them: browse on all interfaces in the default domains,
+    // then resolve and query on the interface the service was seen on.
+    const auto browse = DnsSdDouble::Calls("Browse");
+    ASSERT_EQ(browse.size(), 1u);
+    EXPECT_EQ(browse[0].flags, 0u);
+    EXPECT_EQ(browse[0].interface_index, 0u);
+    EXPECT_EQ(browse[0].type, kType);
+    EXPECT_EQ(browse[0].domain, "(null)");
+    const auto resolve = DnsSdDouble::Calls("Resolve");
+    ASSERT_EQ(resolve.size(), 1u);
+    EXPECT_EQ(resolve[0].flags, 0u);
+    EXPECT_EQ(resolve[0].interface_index, 2u);
+    EXPECT_EQ(resolve[0].name + "|" + resolve[0].type + "|" + resolve[0].domain, "ch4-sim-1|_arvex-tolvan._tcp|local.");
+    const auto queries = DnsSdDouble::Calls("QueryRecord");
+    ASSERT_EQ(queries.size(), 2u);
+    for (const DnsSdCall& query : queries) {
+        EXPECT_EQ(query.flags, 0u);
+        EXPECT_EQ(query.interface_index, 2u);
+        EXPECT_EQ(query.name, "tolvan-1.local.");
+        EXPECT_EQ(query.rrclass, 1u);
+    }
+    EXPECT_EQ(queries[0].rrtype, 1u);
+    EXPECT_EQ(queries[1].rrtype, 28u);
+
+    // Resolve and queries end with their first batch of answers; only the browse goes on.
+    EXPECT_EQ(DnsSdDouble::LiveRefs(), DnsSdDouble::LiveRefs("Browse"));
+    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 1u);
+}
+
+TEST_F(Client, AnswersComeFromTheEventLoopOnly)
+{
+    DnsSdDouble::Announce(Tolvan());
+    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.1.2.3"));
+    client->Browse(kType);
+    EXPECT_TRUE(listener.added.empty());
+    EXPECT_TRUE(DnsSdDouble::Calls("Resolve").empty());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return listener.added.size() == 1; }, kTimeoutMs));
+}
+
+// Which address answers are reported, and with which scope.
+TEST_F(Client, AddressAnswers)
+{
+    auto short_record = [](std::uint16_t rrtype, std::size_t size) {
+        return FakeRecord{"tolvan-1.local.", 2, rrtype, std::string(size, '\x01')};
+    };
+    struct Row {
+        const char* what;
+        FakeRecord record;
+        bool reported;
+        unsigned scope;
+    };
+    const Row rows[] = {
+        {"A", FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"), true, 0},
+        {"A without interface", FakeRecord::Address("tolvan-1.local.", 0, "10.0.0.1"), true, 0},
+        {"A link-local", FakeRecord::Address("tolvan-1.local.", 2, "169.254.3.4"), true, 0},
+        {"AAAA link-local", FakeRecord::Address("tolvan-1.local.", 2, "fe80::1"), true, 2},
+        {"AAAA link-local, scope from the answer", FakeRecord::Address("tolvan-1.local.", 5, "fe80::1"), true, 5},
+        {"AAAA global", FakeRecord::Address("tolvan-1.local.", 2, "2001:db8::1"), true, 0},
+        {"AAAA fe81 is not link-local", FakeRecord::Address("tolvan-1.local.", 2, "fe81::1"), true, 0},
+        {"AAAA link-local without interface", FakeRecord::Address("tolvan-1.local.", 0, "fe80::1"), false, 0},
+        {"AAAA global without interface", FakeRecord::Address("tolvan-1.local.", 0, "2001:db8::1"), false, 0},
+        {"A of 3 bytes", short_record(1, 3), false, 0},
+        {"AAAA of 15 bytes", short_record(28, 15), false, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        DnsSdDouble::Reset();
+        RecordingListener heard;
+        {
+            BonjourClient scoped(&heard);
+            DnsSdDouble::Announce(Tolvan());
+            DnsSdDouble::AddRecord(row.record);
+            scoped.Browse(kType);
+            Settle();
+        }
+        EXPECT_TRUE(heard.errors.empty());
+        ASSERT_EQ(heard.added.size(), row.reported ? 1u : 0u);
+        if (row.reported) {
+            EXPECT_EQ(heard.added[0].interface_index, row.record.interface_index);
+            EXPECT_EQ(heard.added[0].address.Scope(), row.scope);
+            EXPECT_EQ(heard.added[0].address.Port(), 4410);
+        }
+    }
+}
+
+TEST_F(Client, TxtEntries)
+{
+    using Map = std::map<std::string, std::string>;
+    struct Row {
+        std::string txt;
+        Map expected;
+    };
+    const Row rows[] = {
+        {"", {}},
+        {std::string("\x05" "a=b=c"), {{"a", "b=c"}}},
+        {std::string("\x04" "flag\x03k=v"), {{"k", "v"}}},
+        {std::string("\x02k=\x02=v"), {{"k", ""}, {"", "v"}}},
+        {std::string("\x00\x03k=v", 5), {{"k", "v"}}},
+        {std::string("\x03k=1\x03k=2"), {{"k", "2"}}},
+        {std::string("\x03K=1\x03k=2"), {{"K", "1"}, {"k", "2"}}},
+        {std::string("\x03k=v\x09x=y"), {{"k", "v"}}},
+        {std::string("\x03k=v\x04x=y"), {{"k", "v"}}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.txt));
+        DnsSdDouble::Reset();
+        RecordingListener heard;
+        {
+            BonjourClient scoped(&heard);
+            FakeService service = Tolvan();
+            service.txt = row.txt;
+            DnsSdDouble::Announce(service);
+            DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
+            scoped.Browse(kType);
+            Settle();
+        }
+        ASSERT_EQ(heard.added.size(), 1u);
+        EXPECT_EQ(heard.added[0].txt, row.expected);
+    }
+}
+
+TEST_F(Client, ErrorWords)
+{
+    struct Row {
+        DNSServiceErrorType code;
+        const char* word;
+    };
+    const Row rows[] = {
+        {-65537, "Unknown Error"},     {-65538, "No Such Name"},  {-65539, "Out Of Memory"},
+        {-65540, "Bad Parameter"},     {-65541, "Bad Reference"}, {-65542, "Bad State"},
+        {-65543, "Bad Flags"},         {-65544, "Unsupported"},   {-65545, "Not Initialized"},
+        {-65547, "Already Registered"}, {-65548, "Name Conflict"}, {-65549, "Invalid"},
+        {-65550, "Firewall"},          {-65551, "Incompatible"},  {-65552, "Bad Interface Index"},
+        {-65553, "Refused"},           {-65554, "No Such Record"}, {-65555, "No Authorization"},
+        {-65556, "No Such Key"},       {-65557, "NAT Traversal"}, {-65558, "Double NAT"},
+        {-65559, "Bad Time"},
+        // No word: the message stays bare.
+        {-65546, nullptr},             {-65560, nullptr},         {-1, nullptr},
+        {1, nullptr},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.code);
+        listener.errors.clear();
+        DnsSdDouble::FailNext("Browse", row.code);
+        client->Browse("_x._tcp");
+        const std::string expected =
+            std::string("Unable to browse for service: _x._tcp") + (row.word ? std::string(": ") + row.word : "");
+        EXPECT_EQ(listener.errors, std::vector<std::string>{expected});
+    }
+    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
+}
+
+// Failures of the calls made by the program may throw, if the listener asks for it; failures
+// that come from the event loop never do.
+TEST_F(Client, WhatMayThrow)
+{
+    struct Row {
+        const char* what;
+        std::function<void(BonjourClient&)> call;
+        std::string message;
+    };
+    const Row synchronous[] = {
+        {"browse", [](BonjourClient& c) {
+             DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
+             c.Browse("_x._tcp");
+         }, "Unable to browse for service: _x._tcp: Unknown Error"},
+        {"register", [](BonjourClient& c) {
+             DnsSdDouble::FailNext("Register", kDNSServiceErr_BadParam);
+             c.Register("me", "_x._tcp", "", 1, {});
+         }, "Unable to register service: me: Bad Parameter"},
+        {"confirm", [](BonjourClient& c) {
+             DnsSdDouble::FailNext("ReconfirmRecord", kDNSServiceErr_Refused);
+             c.Confirm("h.local.", SocketAddress("10.0.0.1"));
+         }, "Unable to confirm: h.local.: Refused"},
+    };
+    for (const Row& row : synchronous) {
+        SCOPED_TRACE(row.what);
+        for (bool ask : {false, true}) {
+            listener.errors.clear();
+            listener.throw_on_error = ask;
+            if (ask) {
+                try {
+                    row.call(*client);
+                    ADD_FAILURE() << "no exception";
+                } catch (const BonjourClient::Error& e) {
+                    EXPECT_EQ(e.what(), row.message);
+                }
+            } else {
+                EXPECT_NO_THROW(row.call(*client));
+            }
+            EXPECT_EQ(listener.errors, std::vector<std::string>{row.message});
+        }
+    }
+    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
+
+    // From the event loop: the listener asks for exceptions, gets none, and hears every failure.
+    listener.errors.clear();
+    listener.throw_on_error = true;
+    FakeService unresolvable = Tolvan("no-such");
+    unresolvable.resolve_error = kDNSServiceErr_NoSuchName;
+    FakeService refused = Tolvan("refused", "refused.local.");
+    DnsSdDouble::AddRecord({"refused.local.", 2, 1, "", kDNSServiceErr_Refused});
+    FakeService unqueryable = Tolvan("unqueryable", "unqueryable.local.");
+    Find(unresolvable, {});
+    DnsSdDouble::Announce(refused);
+    Settle();
+    DnsSdDouble::FailNext("QueryRecord", kDNSServiceErr_BadParam);
+    DnsSdDouble::Announce(unqueryable);
+    Settle();
+    DnsSdDouble::BrowseError(kType, kDNSServiceErr_BadState);
+    Settle();
+    DnsSdDouble::FailNext("RegisterReply", kDNSServiceErr_NameConflict);
+    client->Register("taken", kType, "", 4410, {});
+    Settle();
+    DnsSdDouble::FailProcessing(DnsSdDouble::LiveRefs("Browse").at(0), kDNSServiceErr_Unknown);
+    Settle();
+    EXPECT_EQ(listener.errors, (std::vector<std::string>{
+                                   "Error resolving: No Such Name",
+                                   "Error querying: Refused",
+                                   "Error resolving: Bad Parameter",
+                                   "Error browsing: Bad State",
+                                   "Error registering: Name Conflict",
+                                   "Unable to process result: Unknown Error",
+                               }));
+    // Each failed request gave its slot back. Left are the AAAA queries of "refused" and
+    // "unqueryable", which nothing answers.
+    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 2u);
+    EXPECT_EQ(DnsSdDouble::LiveRefs("QueryRecord").size(), 2u);
+}
+
+TEST_F(Client, ResolveThatCannotStartIsDroppedSilently)
+{
+    DnsSdDouble::FailNext("Resolve", kDNSServiceErr_Unknown);
+    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1")});
+    EXPECT_TRUE(listener.errors.empty());
+    EXPECT_TRUE(listener.added.empty());
+    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 1u);
+}
+
+TEST_F(Client, OutOfResources)
+{
+    for (int i = 0; i < 100; ++i)
+        client->Browse("_t" + std::to_string(i) + "._tcp");
+    EXPECT_TRUE(listener.errors.empty());
+    ASSERT_EQ(DnsSdDouble::LiveRefs().size(), 100u);
+
+    client->Browse("_t100._tcp");
+    client->Register("me", "_x._tcp", "", 1, {});
+    EXPECT_EQ(listener.errors, (std::vector<std::string>{"Unable to browse for service: _t100._tcp: Out of resources",
+                                                         "Unable to register service: me: Out of resources"}));
+    EXPECT_EQ(DnsSdDouble::Calls().size(), 100u) << "a request without a slot reaches the daemon";
+
+    // A failure frees its slot, and the next request gets it.
+    listener.errors.clear();
+    DnsSdDouble::FailProcessing(DnsSdDouble::LiveRefs().at(7), kDNSServiceErr_Unknown);
+    Settle();
+    EXPECT_EQ(listener.errors, std::vector<std::string>{"Unable to process result: Unknown Error"});
+    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 99u);
+    listener.errors.clear();
+    client->Browse("_t100._tcp");
+    EXPECT_TRUE(listener.errors.empty());
+    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 100u);
+
+    listener.throw_on_error = true;
+    EXPECT_THROW(client->Browse("_t101._tcp"), BonjourClient::Error);
+}
+
+// The resolve and the two address queries behind a service need slots of their own.
+TEST_F(Client, OutOfResourcesInsideTheChain)
+{
+    struct Row {
+        int browses_before;
+        std::vector<std::string> errors;
+        std::size_t added;  // A answers first, then AAAA
+    };
+    const Row rows[] = {
+        {99, {"Error browsing: Out of resources"}, 0},  // no slot to resolve
+        {98, {}, 0},                                   // resolved, no slot to query: skipped in silence
+        {97, {}, 1},                                   // only the A query got a slot
+        {96, {}, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.browses_before);
+        DnsSdDouble::Reset();
+        RecordingListener heard;
+        BonjourClient scoped(&heard);
+        for (int i = 0; i < row.browses_before; ++i)
+            scoped.Browse("_t" + std::to_string(i) + "._tcp");
+        DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
+        DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "2001:db8::1"));
+        DnsSdDouble::Announce(Tolvan());
+        scoped.Browse(kType);
+        Settle();
+        EXPECT_EQ(heard.errors, row.errors);
+        EXPECT_EQ(heard.added.size(), row.added);
+        // Every slot of the chain came back.
+        EXPECT_EQ(DnsSdDouble::LiveRefs().size(), std::size_t(row.browses_before + 1));
+    }
+}
+
+TEST_F(Client, RemovedService)
+{
+    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1")});
+    DnsSdDouble::Withdraw("ch4-sim-1");
+    Settle();
+    EXPECT_EQ(listener.removed, std::vector<std::string>{"ch4-sim-1|_arvex-tolvan._tcp|local."});
+    EXPECT_EQ(DnsSdDouble::Calls("Resolve").size(), 1u);
+}
+
+TEST_F(Client, ClearThenBrowseFindsEverythingAgain)
+{
+    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
+    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-2.local.", 2, "10.0.0.2"));
+    DnsSdDouble::Announce(Tolvan("ch4-sim-2", "tolvan-2.local."));
+    // Queries that nothing answers stay open until the clear: the AAAA queries of all three,
+    // and the A query of the silent one.
+    DnsSdDouble::Announce(Tolvan("silent", "silent.local."));
+    Find(Tolvan(), {});
+    ASSERT_EQ(listener.added.size(), 2u);
+    EXPECT_EQ(DnsSdDouble::LiveRefs("QueryRecord").size(), 4u);
+
+    client->Clear();
+    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
+    client->Browse(kType);
+    Settle();
+    ASSERT_EQ(listener.added.size(), 4u);
+    std::multiset<std::string> names;
+    for (const FoundAddress& found : listener.added)
+        names.insert(found.name);
+    EXPECT_EQ(names, (std::multiset<std::string>{"ch4-sim-1", "ch4-sim-1", "ch4-sim-2", "ch4-sim-2"}));
+    EXPECT_TRUE(listener.errors.empty());
+}
+
+TEST_F(Client, Register)
+{
+    client->Register("ch4-sim-1", kType, "", 4410, {{"ver", "1.2"}, {"model", "Tolvan"}, {"company", "Arvex"}});
+    const auto calls = DnsSdDouble::Calls("Register");
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].flags, 0u);
+    EXPECT_EQ(calls[0].interface_index, 0u);
+    EXPECT_EQ(calls[0].name, "ch4-sim-1");
+    EXPECT_EQ(calls[0].type, kType);
+    EXPECT_EQ(calls[0].domain, "");
+    EXPECT_EQ(calls[0].host, "(null)");
+    EXPECT_EQ(calls[0].port, htons(4410));
+    // Key order, each pair behind its length.
+    EXPECT_EQ(calls[0].data, std::string("\x0d" "company=Arvex\x0cmodel=Tolvan\x07ver=1.2"));
+
+    EXPECT_TRUE(listener.registered.empty());
+    Settle();
+    EXPECT_EQ(listener.registered, std::vector<std::string>{"ch4-sim-1|_arvex-tolvan._tcp|local."});
+    // The registration lasts as long as the client.
+    EXPECT_EQ(DnsSdDouble::LiveRefs("Register").size(), 1u);
+}
+
+TEST_F(Client, RegisterCutsAPairLengthToEightBits)
+{
+    client->Register("long", "_x._tcp", "local.", 1, {{"k", std::string(300, 'v')}});
+    const auto calls = DnsSdDouble::Calls("Register");
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].domain, "local.");
+    ASSERT_EQ(calls[0].data.size(), 1u + 302u);
+    EXPECT_EQ(static_cast<unsigned char>(calls[0].data[0]), 302u & 0xff);
+}
+
+TEST_F(Client, Confirm)
+{
+    client->Confirm("tolvan-1.local.", Address("10.1.2.3", 4410));
+    client->Confirm("tolvan-1.local.", Address("fe80::1", 4410, 2));
+    const auto calls = DnsSdDouble::Calls("ReconfirmRecord");
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0].name, "tolvan-1.local.");
+    EXPECT_EQ(calls[0].flags, 0u);
+    EXPECT_EQ(calls[0].interface_index, 0u);
+    EXPECT_EQ(calls[0].rrtype, 1u);
+    EXPECT_EQ(calls[0].rrclass, 1u);
+    EXPECT_EQ(calls[0].data, std::string("\x0a\x01\x02\x03"));
+    EXPECT_EQ(calls[1].rrtype, 28u);
+    EXPECT_EQ(calls[1].rrclass, 1u);
+    EXPECT_EQ(calls[1].data, std::string("\xfe\x80", 2) + std::string(13, '\0') + "\x01");
+    EXPECT_TRUE(listener.errors.empty());
+}
+
+TEST_F(Client, WithoutListener)
+{
+    BonjourClient quiet(nullptr);
+    DnsSdDouble::Announce(Tolvan());
+    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
+    quiet.Browse(kType);
+    quiet.Register("me", "_x._tcp", "", 1, {});
+    Settle();
+    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
+    EXPECT_NO_THROW(quiet.Browse("_y._tcp"));
+    quiet.Clear();
+    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
+}
+
+}  // namespace

@@ -1,0 +1,244 @@
+// The client against a real avahi-daemon. Runs only inside mdns_sandbox.sh, which gives it a
+// network namespace with nothing but loopback and a daemon of its own there.
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QTest>
+
+#include <net/if.h>
+
+#include <algorithm>
+#include <memory>
+#include <set>
+
+#include "discovery/bonjourclient.h"
+#include "discovery_test_util.h"
+
+namespace {
+
+// The daemon answers within milliseconds on loopback; the bound is for loaded machines.
+constexpr int kTimeoutMs = 20000;
+const char* const kType = "_arvex-tolvan._tcp";
+
+std::vector<std::string> InterfaceNames()
+{
+    std::vector<std::string> names;
+    if (struct if_nameindex* interfaces = if_nameindex()) {
+        for (struct if_nameindex* i = interfaces; i->if_index != 0; ++i)
+            names.push_back(i->if_name);
+        if_freenameindex(interfaces);
+    }
+    return names;
+}
+
+SocketAddress Address(const std::string& text, int port)
+{
+    SocketAddress address(text);
+    address.Port(port);
+    return address;
+}
+
+class Daemon : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (qEnvironmentVariableIsEmpty("SONDAR_MDNS_SANDBOX"))
+            GTEST_SKIP() << "needs the private daemon: run through tests/discovery/mdns_sandbox.sh";
+        // Multicast DNS must not reach a real network: refuse to run beside anything but lo.
+        ASSERT_EQ(InterfaceNames(), std::vector<std::string>{"lo"});
+    }
+
+    /// Registers `name` with the TXT entries below and waits until the daemon has announced it.
+    std::unique_ptr<BonjourClient> Announce(RecordingListener& listener, const std::string& name)
+    {
+        auto client = std::make_unique<BonjourClient>(&listener);
+        client->Register(name, kType, "", 4410, txt);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !listener.registered.empty(); }, kTimeoutMs));
+        return client;
+    }
+
+    /// Waits until `listener` has heard of `name` at 127.0.0.1 and ::1, and a little longer to
+    /// catch a report too many.
+    static std::vector<FoundAddress> Found(RecordingListener& listener, const std::string& name)
+    {
+        auto of_name = [&] {
+            std::vector<FoundAddress> found;
+            for (const FoundAddress& f : listener.added)
+                if (f.name == name)
+                    found.push_back(f);
+            return found;
+        };
+        EXPECT_TRUE(QTest::qWaitFor([&] { return of_name().size() >= 2; }, kTimeoutMs));
+        QTest::qWait(500);
+        return of_name();
+    }
+
+    const std::map<std::string, std::string> txt{{"model", "Tolvan probe"}, {"ver", "1.0"}, {"company", "Arvex"}};
+};
+
+TEST_F(Daemon, RegisteredServiceIsFoundOncePerAddressWithItsTxt)
+{
+    RecordingListener announcer;
+    const auto registration = Announce(announcer, "sondar-probe");
+    // The daemon reports the domain as it was given: empty for the default one.
+    EXPECT_EQ(announcer.registered, std::vector<std::string>{"sondar-probe|_arvex-tolvan._tcp.|"});
+    EXPECT_TRUE(announcer.errors.empty()) << announcer.errors.front();
+
+    RecordingListener browser;
+    BonjourClient client(&browser);
+    client.Browse(kType);
+    const std::vector<FoundAddress> found = Found(browser, "sondar-probe");
+    ASSERT_EQ(found.size(), 2u);
+    std::set<SocketAddress> addresses;
+    for (const FoundAddress& f : found) {
+        EXPECT_EQ(f.type, "_arvex-tolvan._tcp.");
+        EXPECT_EQ(f.domain, "local.");
+        EXPECT_EQ(f.interface_index, if_nametoindex("lo"));
+        EXPECT_EQ(f.host, "sondar-sandbox.local.");
+        EXPECT_EQ(f.txt, txt);
+        addresses.insert(f.address);
+    }
+    // ::1 is no link-local address: its scope stays 0.
+    EXPECT_EQ(addresses, (std::set<SocketAddress>{Address("127.0.0.1", 4410), Address("::1", 4410)}));
+    EXPECT_TRUE(browser.errors.empty()) << browser.errors.front();
+}
+
+TEST_F(Daemon, AvahiBrowseSeesOurRegistration)
+{
+    RecordingListener announcer;
+    const auto registration = Announce(announcer, "sondar-probe-2");
+    QProcess browse;
+    browse.start("avahi-browse", {"--resolve", "--terminate", "--parsable", kType});
+    ASSERT_TRUE(browse.waitForFinished(kTimeoutMs));
+    const QString output = QString::fromUtf8(browse.readAllStandardOutput());
+    EXPECT_TRUE(output.contains(";sondar-probe-2;_arvex-tolvan._tcp;local;sondar-sandbox.local;127.0.0.1;4410;"))
+        << output.toStdString();
+    EXPECT_TRUE(output.contains("\"model=Tolvan probe\"")) << output.toStdString();
+}
+
+TEST_F(Daemon, WithdrawnServiceIsRemovedAndClearFindsTheRestAgain)
+{
+    RecordingListener announcer;
+    auto staying = Announce(announcer, "sondar-stays");
+    auto leaving = Announce(announcer, "sondar-leaves");
+
+    RecordingListener browser;
+    BonjourClient client(&browser);
+    client.Browse(kType);
+    ASSERT_EQ(Found(browser, "sondar-leaves").size(), 2u);
+    ASSERT_EQ(Found(browser, "sondar-stays").size(), 2u);
+
+    // Services of earlier tests may be saying goodbye too.
+    leaving.reset();
+    const std::string removal = "sondar-leaves|_arvex-tolvan._tcp.|local.";
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return std::find(browser.removed.begin(), browser.removed.end(), removal) != browser.removed.end();
+    }, kTimeoutMs));
+
+    browser.added.clear();
+    client.Clear();
+    client.Browse(kType);
+    EXPECT_EQ(Found(browser, "sondar-stays").size(), 2u);
+    for (const FoundAddress& f : browser.added)
+        EXPECT_NE(f.name, "sondar-leaves");
+    EXPECT_TRUE(browser.errors.empty()) << browser.errors.front();
+}
+
+// This platform's library does not reconfirm records: the failure is a message, not a crash.
+// (The library also warns on stderr about the unsupported call; no setting silences that.)
+TEST_F(Daemon, ConfirmReportsWhatThePlatformSays)
+{
+    RecordingListener listener;
+    BonjourClient client(&listener);
+    client.Confirm("sondar-sandbox.local.", Address("127.0.0.1", 0));
+    client.Confirm("sondar-sandbox.local.", Address("::1", 0));
+    EXPECT_EQ(listener.errors, (std::vector<std::string>{"Unable to confirm: sondar-sandbox.local.: Unsupported",
+                                                         "Unable to confirm: sondar-sandbox.local.: Unsupported"}));
+}
+
+/// Starts sondar-sim with `arguments` and waits until its standard output has shown `line`.
+bool StartSimulator(QProcess& sim, const QStringList& arguments, const QString& line)
+{
+    sim.start(SONDAR_SIM, arguments);
+    QString output;
+    return QTest::qWaitFor([&] {
+        output += QString::fromUtf8(sim.readAllStandardOutput());
+        return output.contains(line);
+    }, kTimeoutMs);
+}
+
+TEST_F(Daemon, SimulatorAnnouncesItselfWithAnnounce)
+{
+    struct Row {
+        const char* model;
+        const char* name;
+        const char* type;
+        int port;
+    };
+    const Row rows[] = {
+        {"tolvan", "ch4-sim-1", "_arvex-tolvan._tcp", 4410},
+        {"sarnel", "sarnel-sim-1", "_arvex-sarnel._tcp", 4420},
+        {"morvik", "morvik-sim-1", "_arvex-morvik._tcp", 4420},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.model);
+        QProcess sim;
+        ASSERT_TRUE(StartSimulator(sim, {"--model", row.model, "--name", row.name, "--announce"},
+                                   QString("announced ") + row.name + " as " + row.type));
+
+        RecordingListener browser;
+        BonjourClient client(&browser);
+        client.Browse(row.type);
+        const std::vector<FoundAddress> found = Found(browser, row.name);
+        ASSERT_EQ(found.size(), 2u);
+        std::set<SocketAddress> addresses;
+        for (const FoundAddress& f : found) {
+            EXPECT_EQ(f.type, row.type + std::string("."));
+            EXPECT_EQ(f.txt.at("company"), "Arvex");
+            EXPECT_FALSE(f.txt.at("ver").empty());
+            if (std::string(row.model) == "tolvan")
+                EXPECT_NE(f.txt.at("model").find("Tolvan"), std::string::npos);
+            else
+                EXPECT_EQ(f.txt.at("model"), "Pelsen");
+            addresses.insert(f.address);
+        }
+        EXPECT_EQ(addresses, (std::set<SocketAddress>{Address("127.0.0.1", row.port), Address("::1", row.port)}));
+
+        if (std::string(row.model) == "tolvan") {
+            QProcess browse;
+            browse.start("avahi-browse", {"--resolve", "--terminate", "--parsable", row.type});
+            ASSERT_TRUE(browse.waitForFinished(kTimeoutMs));
+            const QString output = QString::fromUtf8(browse.readAllStandardOutput());
+            EXPECT_TRUE(output.contains(";ch4-sim-1;_arvex-tolvan._tcp;local;sondar-sandbox.local;127.0.0.1;4410;"))
+                << output.toStdString();
+        }
+
+        // Its announcement ends with it.
+        sim.terminate();
+        EXPECT_TRUE(sim.waitForFinished(kTimeoutMs));
+        EXPECT_EQ(sim.exitCode(), 0);
+        const std::string removal = row.name + std::string("|") + row.type + ".|local.";
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return std::find(browser.removed.begin(), browser.removed.end(), removal) != browser.removed.end();
+        }, kTimeoutMs));
+        EXPECT_TRUE(browser.errors.empty()) << browser.errors.front();
+    }
+}
+
+TEST_F(Daemon, SimulatorWithoutAnnounceAnnouncesNothing)
+{
+    QProcess sim;
+    ASSERT_TRUE(StartSimulator(sim, {"--model", "tolvan", "--name", "ch4-quiet", "--port", "4411"}, "listening on"));
+    RecordingListener browser;
+    BonjourClient client(&browser);
+    client.Browse(kType);
+    // Long enough for the daemon to answer from its cache and from the wire.
+    QTest::qWait(2000);
+    for (const FoundAddress& f : browser.added)
+        EXPECT_NE(f.name, "ch4-quiet");
+    sim.terminate();
+    EXPECT_TRUE(sim.waitForFinished(kTimeoutMs));
+}
+
+}  // namespace

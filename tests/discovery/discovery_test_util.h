@@ -1,0 +1,49 @@
+#pragma once
+// Helpers of the discovery tests: a listener that writes down what it hears.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "discovery/bonjourclient.h"
+
+/// One AddService call.
+struct FoundAddress {
+    std::string name;
+    std::string type;
+    std::string domain;
+    unsigned interface_index;
+    std::string host;
+    SocketAddress address;
+    std::map<std::string, std::string> txt;
+};
+
+/// Keeps every call. ServiceError answers `throw_on_error`.
+class RecordingListener : public BonjourClientListener {
+public:
+    void AddService(std::string name, std::string type, std::string domain, unsigned interface_index,
+                    std::string host, const SocketAddress& address,
+                    const std::map<std::string, std::string>& txt) override
+    {
+        added.push_back({name, type, domain, interface_index, host, address, txt});
+    }
+    void RemoveService(std::string name, std::string type, std::string domain) override
+    {
+        removed.push_back(name + "|" + type + "|" + domain);
+    }
+    void ServiceRegistered(std::string name, std::string type, std::string domain) override
+    {
+        registered.push_back(name + "|" + type + "|" + domain);
+    }
+    bool ServiceError(std::string message) override
+    {
+        errors.push_back(message);
+        return throw_on_error;
+    }
+
+    std::vector<FoundAddress> added;
+    std::vector<std::string> removed;
+    std::vector<std::string> registered;
+    std::vector<std::string> errors;
+    bool throw_on_error = false;
+};

@@ -1,0 +1,378 @@
+#include "tests/discovery/dnssd_double.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <map>
+
+namespace {
+
+// One answer waiting on a reference: a failure of DNSServiceProcessResult itself, or a call of
+// the reference's callback.
+struct Answer {
+    DNSServiceErrorType process_error = kDNSServiceErr_NoError;
+    std::function<void(DNSServiceRef)> deliver;
+};
+
+}  // namespace
+
+struct _DNSServiceRef_t {
+    std::string function;
+    std::string type;  // of a browse
+    DNSServiceBrowseReply browse_reply = nullptr;
+    void* context = nullptr;
+    int read_fd = -1;
+    int write_fd = -1;
+    std::deque<Answer> answers;
+};
+
+namespace {
+
+struct World {
+    std::vector<FakeService> services;
+    std::vector<FakeRecord> records;
+    std::vector<DnsSdCall> calls;
+    std::map<std::string, DNSServiceErrorType> failures;
+    std::vector<DNSServiceRef> refs;  // live, oldest first
+};
+
+World& world()
+{
+    static World w;
+    return w;
+}
+
+std::string Text(const char* text)
+{
+    return text ? text : "(null)";
+}
+
+// Writes the call down; the caller fills in what else it has.
+DnsSdCall& Record(const std::string& function, DNSServiceFlags flags, std::uint32_t interface_index, const char* name)
+{
+    DnsSdCall call;
+    call.function = function;
+    call.flags = flags;
+    call.interface_index = interface_index;
+    call.name = Text(name);
+    world().calls.push_back(call);
+    return world().calls.back();
+}
+
+bool IsLive(DNSServiceRef ref)
+{
+    const auto& refs = world().refs;
+    return std::find(refs.begin(), refs.end(), ref) != refs.end();
+}
+
+DNSServiceErrorType TakeFailure(const std::string& function)
+{
+    auto& failures = world().failures;
+    const auto found = failures.find(function);
+    if (found == failures.end())
+        return kDNSServiceErr_NoError;
+    const DNSServiceErrorType code = found->second;
+    failures.erase(found);
+    return code;
+}
+
+DNSServiceRef NewRef(const std::string& function, void* context)
+{
+    int fds[2];
+    if (pipe2(fds, O_CLOEXEC) != 0) {
+        ADD_FAILURE() << "pipe2 failed";
+        return nullptr;
+    }
+    auto* ref = new _DNSServiceRef_t;
+    ref->function = function;
+    ref->context = context;
+    ref->read_fd = fds[0];
+    ref->write_fd = fds[1];
+    world().refs.push_back(ref);
+    return ref;
+}
+
+void Queue(DNSServiceRef ref, Answer answer)
+{
+    ref->answers.push_back(std::move(answer));
+    const char byte = 0;
+    EXPECT_EQ(write(ref->write_fd, &byte, 1), 1);
+}
+
+void QueueBrowse(DNSServiceRef ref, DNSServiceFlags flags, std::uint32_t interface_index, DNSServiceErrorType code,
+                 const std::string& name, const std::string& type, const std::string& domain)
+{
+    const DNSServiceBrowseReply reply = ref->browse_reply;
+    void* context = ref->context;
+    Queue(ref, {kDNSServiceErr_NoError, [=](DNSServiceRef r) {
+                    reply(r, flags, interface_index, code, name.c_str(), type.c_str(), domain.c_str(), context);
+                }});
+}
+
+// A batch of answers: all but the last say that more are coming.
+DNSServiceFlags BatchFlags(std::size_t i, std::size_t count, DNSServiceFlags flags)
+{
+    return i + 1 < count ? flags | kDNSServiceFlagsMoreComing : flags;
+}
+
+std::vector<DNSServiceRef> BrowsesFor(const std::string& type)
+{
+    std::vector<DNSServiceRef> browses;
+    for (DNSServiceRef ref : world().refs)
+        if (ref->function == "Browse" && ref->type == type)
+            browses.push_back(ref);
+    return browses;
+}
+
+}  // namespace
+
+FakeRecord FakeRecord::Address(const std::string& host, std::uint32_t interface_index, const std::string& text)
+{
+    const bool v6 = text.find(':') != std::string::npos;
+    unsigned char data[16];
+    EXPECT_EQ(inet_pton(v6 ? AF_INET6 : AF_INET, text.c_str(), data), 1) << text;
+    return {host, interface_index, std::uint16_t(v6 ? 28 : 1), std::string(reinterpret_cast<char*>(data), v6 ? 16 : 4)};
+}
+
+void DnsSdDouble::Reset()
+{
+    auto& w = world();
+    w.services.clear();
+    w.records.clear();
+    w.calls.clear();
+    w.failures.clear();
+}
+
+void DnsSdDouble::Announce(const FakeService& service)
+{
+    world().services.push_back(service);
+    for (DNSServiceRef ref : BrowsesFor(service.type))
+        QueueBrowse(ref, kDNSServiceFlagsAdd, service.interface_index, kDNSServiceErr_NoError, service.name,
+                    service.type, service.domain);
+}
+
+void DnsSdDouble::Withdraw(const std::string& name)
+{
+    auto& services = world().services;
+    const auto found =
+        std::find_if(services.begin(), services.end(), [&](const FakeService& s) { return s.name == name; });
+    ASSERT_NE(found, services.end()) << name;
+    const FakeService service = *found;
+    services.erase(found);
+    for (DNSServiceRef ref : BrowsesFor(service.type))
+        QueueBrowse(ref, 0, service.interface_index, kDNSServiceErr_NoError, service.name, service.type,
+                    service.domain);
+}
+
+void DnsSdDouble::AddRecord(const FakeRecord& record)
+{
+    world().records.push_back(record);
+}
+
+void DnsSdDouble::FailNext(const std::string& function, DNSServiceErrorType code)
+{
+    world().failures[function] = code;
+}
+
+void DnsSdDouble::BrowseError(const std::string& type, DNSServiceErrorType code)
+{
+    for (DNSServiceRef ref : BrowsesFor(type))
+        QueueBrowse(ref, 0, 0, code, "", "", "");
+}
+
+void DnsSdDouble::FailProcessing(DNSServiceRef ref, DNSServiceErrorType code)
+{
+    Queue(ref, {code, nullptr});
+}
+
+std::vector<DNSServiceRef> DnsSdDouble::LiveRefs(const std::string& function)
+{
+    std::vector<DNSServiceRef> refs;
+    for (DNSServiceRef ref : world().refs)
+        if (function.empty() || ref->function == function)
+            refs.push_back(ref);
+    return refs;
+}
+
+std::size_t DnsSdDouble::PendingAnswers()
+{
+    std::size_t count = 0;
+    for (DNSServiceRef ref : world().refs)
+        count += ref->answers.size();
+    return count;
+}
+
+const std::vector<DnsSdCall>& DnsSdDouble::Calls()
+{
+    return world().calls;
+}
+
+std::vector<DnsSdCall> DnsSdDouble::Calls(const std::string& function)
+{
+    std::vector<DnsSdCall> calls;
+    for (const DnsSdCall& call : world().calls)
+        if (call.function == function)
+            calls.push_back(call);
+    return calls;
+}
+
+// The eight functions, with the platform's signatures.
+
+DNSServiceErrorType DNSSD_API DNSServiceBrowse(DNSServiceRef* sdRef, DNSServiceFlags flags, uint32_t interfaceIndex,
+                                               const char* regtype, const char* domain, DNSServiceBrowseReply callBack,
+                                               void* context)
+{
+    DnsSdCall& call = Record("Browse", flags, interfaceIndex, "");
+    call.type = Text(regtype);
+    call.domain = Text(domain);
+    if (const DNSServiceErrorType code = TakeFailure("Browse"))
+        return code;
+    DNSServiceRef ref = NewRef("Browse", context);
+    ref->type = regtype;
+    ref->browse_reply = callBack;
+    std::vector<FakeService> found;
+    for (const FakeService& service : world().services)
+        if (service.type == ref->type)
+            found.push_back(service);
+    for (std::size_t i = 0; i < found.size(); ++i)
+        QueueBrowse(ref, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index,
+                    kDNSServiceErr_NoError, found[i].name, found[i].type, found[i].domain);
+    *sdRef = ref;
+    return kDNSServiceErr_NoError;
+}
+
+DNSServiceErrorType DNSSD_API DNSServiceResolve(DNSServiceRef* sdRef, DNSServiceFlags flags, uint32_t interfaceIndex,
+                                                const char* name, const char* regtype, const char* domain,
+                                                DNSServiceResolveReply callBack, void* context)
+{
+    DnsSdCall& call = Record("Resolve", flags, interfaceIndex, name);
+    call.type = Text(regtype);
+    call.domain = Text(domain);
+    if (const DNSServiceErrorType code = TakeFailure("Resolve"))
+        return code;
+    DNSServiceRef ref = NewRef("Resolve", context);
+    for (const FakeService& s : world().services) {
+        if (s.name != Text(name) || s.type != Text(regtype) || s.domain != Text(domain))
+            continue;
+        Queue(ref, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
+                        const std::string full_name = s.name + "." + s.type + "." + s.domain;
+                        callBack(r, 0, s.interface_index, s.resolve_error, full_name.c_str(), s.host.c_str(),
+                                 htons(s.port), std::uint16_t(s.txt.size()),
+                                 reinterpret_cast<const unsigned char*>(s.txt.data()), context);
+                    }});
+        break;
+    }
+    *sdRef = ref;
+    return kDNSServiceErr_NoError;
+}
+
+DNSServiceErrorType DNSSD_API DNSServiceQueryRecord(DNSServiceRef* sdRef, DNSServiceFlags flags,
+                                                    uint32_t interfaceIndex, const char* fullname, uint16_t rrtype,
+                                                    uint16_t rrclass, DNSServiceQueryRecordReply callBack,
+                                                    void* context)
+{
+    DnsSdCall& call = Record("QueryRecord", flags, interfaceIndex, fullname);
+    call.rrtype = rrtype;
+    call.rrclass = rrclass;
+    if (const DNSServiceErrorType code = TakeFailure("QueryRecord"))
+        return code;
+    DNSServiceRef ref = NewRef("QueryRecord", context);
+    std::vector<FakeRecord> found;
+    for (const FakeRecord& record : world().records)
+        if (record.host == Text(fullname) && record.rrtype == rrtype)
+            found.push_back(record);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const DNSServiceFlags answer_flags = BatchFlags(i, found.size(), kDNSServiceFlagsAdd);
+        Queue(ref, {kDNSServiceErr_NoError, [r = found[i], answer_flags, rrclass, callBack, context](DNSServiceRef s) {
+                        callBack(s, answer_flags, r.interface_index, r.error, r.host.c_str(), r.rrtype, rrclass,
+                                 std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
+                    }});
+    }
+    *sdRef = ref;
+    return kDNSServiceErr_NoError;
+}
+
+DNSServiceErrorType DNSSD_API DNSServiceRegister(DNSServiceRef* sdRef, DNSServiceFlags flags, uint32_t interfaceIndex,
+                                                 const char* name, const char* regtype, const char* domain,
+                                                 const char* host, uint16_t port, uint16_t txtLen,
+                                                 const void* txtRecord, DNSServiceRegisterReply callBack,
+                                                 void* context)
+{
+    DnsSdCall& call = Record("Register", flags, interfaceIndex, name);
+    call.type = Text(regtype);
+    call.domain = Text(domain);
+    call.host = Text(host);
+    call.port = port;
+    call.data.assign(static_cast<const char*>(txtRecord), txtLen);
+    if (const DNSServiceErrorType code = TakeFailure("Register"))
+        return code;
+    DNSServiceRef ref = NewRef("Register", context);
+    const std::string registered_domain = domain && *domain ? domain : "local.";
+    const DNSServiceErrorType answer_code = TakeFailure("RegisterReply");
+    Queue(ref, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
+                    callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
+                             registered_domain.c_str(), context);
+                }});
+    *sdRef = ref;
+    return kDNSServiceErr_NoError;
+}
+
+DNSServiceErrorType DNSSD_API DNSServiceReconfirmRecord(DNSServiceFlags flags, uint32_t interfaceIndex,
+                                                        const char* fullname, uint16_t rrtype, uint16_t rrclass,
+                                                        uint16_t rdlen, const void* rdata)
+{
+    DnsSdCall& call = Record("ReconfirmRecord", flags, interfaceIndex, fullname);
+    call.rrtype = rrtype;
+    call.rrclass = rrclass;
+    call.data.assign(static_cast<const char*>(rdata), rdlen);
+    return TakeFailure("ReconfirmRecord");
+}
+
+int DNSSD_API DNSServiceRefSockFD(DNSServiceRef sdRef)
+{
+    if (!IsLive(sdRef)) {
+        ADD_FAILURE() << "DNSServiceRefSockFD on a reference that is not live";
+        return -1;
+    }
+    return sdRef->read_fd;
+}
+
+DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
+{
+    if (!IsLive(sdRef)) {
+        ADD_FAILURE() << "DNSServiceProcessResult on a reference that is not live";
+        return kDNSServiceErr_BadReference;
+    }
+    char byte;
+    if (read(sdRef->read_fd, &byte, 1) != 1 || sdRef->answers.empty()) {
+        ADD_FAILURE() << "DNSServiceProcessResult without an answer waiting";
+        return kDNSServiceErr_Unknown;
+    }
+    const Answer answer = std::move(sdRef->answers.front());
+    sdRef->answers.pop_front();
+    if (answer.process_error != kDNSServiceErr_NoError)
+        return answer.process_error;
+    // The callback may deallocate the reference: nothing touches it afterwards.
+    answer.deliver(sdRef);
+    return kDNSServiceErr_NoError;
+}
+
+void DNSSD_API DNSServiceRefDeallocate(DNSServiceRef sdRef)
+{
+    auto& refs = world().refs;
+    const auto found = std::find(refs.begin(), refs.end(), sdRef);
+    if (found == refs.end()) {
+        ADD_FAILURE() << "DNSServiceRefDeallocate on a reference that is not live";
+        return;
+    }
+    refs.erase(found);
+    close(sdRef->read_fd);
+    close(sdRef->write_fd);
+    delete sdRef;
+}
