@@ -26,7 +26,7 @@ bool is_space(char c)
 // The white-space separated tokens of a line, read in turn.
 class Tokens {
 public:
-    explicit Tokens(const std::string& line) : _line(line) {}
+    explicit Tokens(const std::string& line, size_t from = 0) : _line(line), _pos(from) {}
 
     bool next(std::string_view& token)
     {
@@ -42,7 +42,7 @@ public:
 
 private:
     const std::string& _line;
-    size_t _pos = 0;
+    size_t _pos;
 };
 
 // A decimal number as a stream would read it, 0 when it does not parse: a leading "+" is
@@ -387,7 +387,7 @@ void Connector::HandleData(const std::string& line)
         return;
     }
     case RecHeader:
-        _HandleHeader(record, line.c_str() + tokens.position(), line);
+        _HandleHeader(record, tokens.position(), line);
         return;
     case RecClock:
         _LogToFile(kind, record, line);
@@ -426,7 +426,7 @@ void Connector::HandleData(const std::string& line)
     }
 }
 
-void Connector::_HandleHeader(const std::string& record, const char* fields, const std::string& line)
+void Connector::_HandleHeader(const std::string& record, size_t fields_at, const std::string& line)
 {
     const std::string data = record.substr(0, record.size() - 1);
     std::vector<std::string>& texts = _strings[data];
@@ -437,8 +437,7 @@ void Connector::_HandleHeader(const std::string& record, const char* fields, con
     names.clear();
     _LogToFile(RecHeader, record, line);
     _lines[record] = line;
-    const std::string rest(fields);
-    Tokens tokens(rest);
+    Tokens tokens(line, fields_at);
     std::string_view token;
     while (tokens.next(token)) {
         if (token == "DIAG" && record == "DATASTATH")

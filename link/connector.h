@@ -177,7 +177,7 @@ private:
     void _Write(const std::string& text);
     void _LogToFile(int kind, const std::string& record, const std::string& line);
     void _UnpackDiagnostics();
-    void _HandleHeader(const std::string& record, const char* fields, const std::string& line);
+    void _HandleHeader(const std::string& record, size_t fields_at, const std::string& line);
 
     void _NotifyListenersOfData(const std::string& record);
     void _NotifyListenersOfHeader(const std::string& record);
