@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -186,6 +187,21 @@ TEST(Socket, ConnectWhileConnectedOnlyQueues)
     EXPECT_TRUE(disconnected.count() > 0 || disconnected.wait(TIMEOUT_MS));
     QTest::qWait(20);
     EXPECT_EQ(connector->ConnectedTo(), "");
+}
+
+// Windows may connect to every signal of the interface, also those the connector never emits.
+TEST(ConnectorInterface, SignalsInOrder)
+{
+    std::vector<std::string> signatures;
+    const QMetaObject& meta = Connector::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        if (meta.method(i).methodType() == QMetaMethod::Signal)
+            signatures.push_back(meta.method(i).methodSignature().toStdString());
+    EXPECT_EQ(signatures, (std::vector<std::string>{
+                              "Connected()", "Disconnected()", "GotDataLabel(int,int,std::string)",
+                              "GotDataValue(int,int,double,double,std::string)", "GotDataString(int,int,std::string)",
+                              "GotDataEnd()", "GotDataS(std::string)", "GotDataR(std::string)",
+                              "GotDataSDC(std::string)", "GotDataRDC(std::string)", "GotXMLChanges()"}));
 }
 
 }  // namespace
