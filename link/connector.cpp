@@ -50,9 +50,9 @@ bool is_digit(char c)
     return c >= '0' && c <= '9';
 }
 
-// A field as a fresh stream reads it, 0 when it does not parse.
+// A field as a fresh stream reads it, 0 when it does not parse. Kept out of the fast path.
 template <class Number>
-double stream_read(std::string_view token, std::ios_base& (*base)(std::ios_base&))
+[[gnu::cold]] double stream_read(std::string_view token, std::ios_base& (*base)(std::ios_base&))
 {
     std::istringstream in{std::string(token)};
     Number value;
