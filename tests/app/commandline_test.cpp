@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -74,14 +75,12 @@ TEST(CommandLine, InstrumentsNamedByHand) {
         {{"--instrument", "a=tolvan@1.2.3.4:65536"},
          "--instrument \"a=tolvan@1.2.3.4:65536\": port \"65536\" is not a number from 1 to 65535"},
         {{"--instrument", "a=tolvan@1:"}, "--instrument \"a=tolvan@1:\": \":PORT\" or nothing must follow the address"},
-        {{"--instrument", "a=tolvan@[::1"}, "--instrument \"a=tolvan@[::1\": no \"]\" after the IPv6 address"},
         {{"--instrument", "a=tolvan@::1"},
          "--instrument \"a=tolvan@::1\": an IPv6 address goes in brackets: [ADDRESS]:PORT"},
         {{"--instrument", "a=tolvan@lab"},
          "--instrument \"a=tolvan@lab\": \"lab\" is not a numeric IPv4 or IPv6 address"},
         {{"--instrument", "a=tolvan@[fe80::1%no-if]"},
          "--instrument \"a=tolvan@[fe80::1%no-if]\": \"no-if\" after \"%\" is no network interface of an IPv6 address"},
-        {{"--instrument", "=tolvan@1.2.3.4"}, "--instrument \"=tolvan@1.2.3.4\": no name"},
         {{"--instrument", "a=tolvan"}, "--instrument \"a=tolvan\": the form is NAME=MODEL@ADDRESS[:PORT]"},
         {{"--instrument"}, "--instrument: NAME=MODEL@ADDRESS[:PORT] must follow"},
     };
@@ -89,13 +88,13 @@ TEST(CommandLine, InstrumentsNamedByHand) {
         std::vector<std::string> args{"sondar"};
         args.insert(args.end(), row.args.begin(), row.args.end());
         const CommandLine c = ParseCommandLine(args);
-        std::string got;
+        std::ostringstream got;
         for (const NamedInstrument& i : c.instruments)
-            got += i.name + "|" + i.model + "|" + i.address.Presentation() + "|" + std::to_string(i.address.Scope()) +
-                   "|" + std::to_string(i.address.Port()) + ";";
+            got << i.name << "|" << i.model << "|" << i.address << "|" << i.address.Scope() << "|" << i.address.Port()
+                << ";";
         for (const std::string& error : c.errors)
-            got += error;
-        EXPECT_EQ(got, row.expected);
+            got << error;
+        EXPECT_EQ(got.str(), row.expected);
     }
 }
 

@@ -229,28 +229,4 @@ TEST(Defines, CaptionWithTabsAndBlanks)
     EXPECT_EQ(button.caption, "Updatefirmware now");
 }
 
-TEST(ConfigDoc, InstrumentsNamedByHand)
-{
-    ConfigDoc doc;
-    std::string replies;
-    Read(doc,
-         "<config><instruments>"
-         "<instrument><name>lab</name><model>tolvan</model><address>10.0.0.5</address></instrument>"
-         "<instrument><name>odd</name><model>toaster</model><address>10.0.0.6</address></instrument>"
-         "<instrument><name>v6</name><model>dravik</model><address>fe80::2%4</address><port>4441</port></instrument>"
-         "<instrument><name>far</name><model>quenta</model><address>10.0.0.7</address><port>x</port></instrument>"
-         "</instruments></config>",
-         &replies);
-    EXPECT_EQ(replies.find("Error"), std::string::npos) << replies;
-    std::vector<NamedInstrument> instruments;
-    std::vector<std::string> errors;
-    doc.GetInstruments(instruments, errors);
-    ASSERT_EQ(instruments.size(), 2u);
-    EXPECT_EQ(instruments[0].address.Port(), 4410);
-    EXPECT_EQ(instruments[1].name + "%" + std::to_string(instruments[1].address.Scope()), "v6%4");
-    ASSERT_EQ(errors.size(), 2u);
-    EXPECT_EQ(errors[0].substr(0, 30), "\"odd\": unknown model \"toaster\"");
-    EXPECT_EQ(errors[1], "\"far\": port \"x\" is not a number from 1 to 65535");
-}
-
 }  // namespace

@@ -181,19 +181,17 @@ TEST_F(StreamTest, FieldsReadAsAStreamReadsThem)
 {
     connector->HandleData("DATAH\tA\tB\tC\n");
     connector->HandleData("DATATESTH\tA\n");
-    struct Row {
-        const char* record;
-        const char* token;
+    const struct {
+        const char *record, *token;
         double value;
     } rows[] = {
-        {"DATA", "-.5", -0.5},     {"DATA", "1e5e3", 1e5},    {"DATA", "1.5.3", 1.5},  {"DATA", "5-", 5},
-        {"DATA", "1e", 0},         {"DATA", "1e+", 0},        {"DATA", "1.5E-", 0},    {"DATA", "+-5", 0},
-        {"DATA", "--5", 0},        {"DATA", "inf", 0},        {"DATA", "1e999", 0},    {"DATA", "0x10", 0},
-        {"DATATEST", "0xFFFF", 65535}, {"DATATEST", "0x1g", 1}, {"DATATEST", "2.5", 2.5}, {"DATATEST", "1e", 0},
-        {"DATATEST", "0x10000", 0},  // past 16 bits: the stream fails, it does not wrap or saturate
-        {"DATATEST", "0x10001", 0},
+        {"DATA", "-.5", -0.5}, {"DATA", "1e5e3", 1e5}, {"DATA", "1.5.3", 1.5}, {"DATA", "5-", 5}, {"DATA", "1e", 0},
+        {"DATA", "1e+", 0},    {"DATA", "1.5E-", 0},   {"DATA", "+-5", 0},     {"DATA", "--5", 0},   {"DATA", "inf", 0},
+        {"DATA", "1e999", 0},  {"DATA", "0x10", 0},    {"DATATEST", "0xFFFF", 65535}, {"DATATEST", "0x1g", 1},
+        {"DATATEST", "2.5", 2.5}, {"DATATEST", "1e", 0},
+        {"DATATEST", "0x10000", 0}, {"DATATEST", "0x10001", 0},  // past 16 bits the stream fails: no wrap, no clamp
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         connector->HandleData(with_sum(std::string(row.record) + "\t" + row.token + "\t1\t2\t"));
         EXPECT_EQ(connector->VarNumeric(name + ":" + row.record + ":A"), row.value) << row.record << " " << row.token;
         EXPECT_EQ(connector->VarStrings(row.record)[0], row.token);
