@@ -16,6 +16,7 @@
 #include "app/externaldialog.h"
 #include "foundation/str_util.h"
 #include "link/connector.h"
+#include "watch/watchtolvandialog.h"
 
 namespace {
 
@@ -488,9 +489,21 @@ void MyFrame::ExecuteExternalCommand(unsigned index, const InstInfo& info)
     dialog->RunCmds();
 }
 
-void MyFrame::OpenInstrumentWindow(const WindowRequest& /*request*/) {}
-
-bool MyFrame::HasWindow(InstrumentWindow /*window*/)
+void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
 {
-    return false;
+    if (request.window != Window::WatchTolvan)
+        return;
+    auto* window = new WatchTolvanDialog(this, request.name, request.type);
+    connect(window, &WatchDialog::LogStatusChanged, this, &MyFrame::OnRefresh);
+    window->show();
+    // A connector that was on another address leaves it.
+    if (request.from_list && !request.address.empty() &&
+        !contains(window->GetConnector().ConnectedTo(), request.address))
+        window->Disconnect();
+    window->Connect(request.address, request.scope, request.port);
+}
+
+bool MyFrame::HasWindow(InstrumentWindow window)
+{
+    return window == Window::WatchTolvan;
 }

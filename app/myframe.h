@@ -147,8 +147,9 @@ public slots:
     void OnButtonClicked(unsigned index);
 
 protected:
-    /// The one way to a watch or configuration window. Those windows do not exist yet: nothing
-    /// opens, and the buttons that would lead here stay disabled (see HasWindow).
+    /// The one way to a watch or configuration window: makes it, joins its log state to the
+    /// list's log column, shows it and dials. Windows that do not exist yet open nothing, and
+    /// the buttons that would lead to them stay disabled (see HasWindow).
     virtual void OpenInstrumentWindow(const WindowRequest& request);
     /// Whether `window` can be opened; a button for a window that cannot stays disabled.
     static bool HasWindow(InstrumentWindow window);
