@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -292,6 +293,10 @@ GenericConfigDialog::GenericConfigDialog(QWidget* parent, const std::string& tit
         if (name != kExclude)
             _AddPage(QString::fromStdString(name), *composite);
     }
+
+    // The list is as wide as its longest page name, so that no name is cut.
+    _pages->setFixedWidth(_pages->sizeHintForColumn(0) + 2 * _pages->frameWidth() +
+                          _pages->verticalScrollBar()->sizeHint().width());
 
     auto* custom = new QHBoxLayout;
     outer->addLayout(custom);
