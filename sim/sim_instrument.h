@@ -99,8 +99,9 @@ protected:
     /// The model's part of a restart.
     virtual void _Restart() {}
 
-    /// Ends the construction of a subclass: gives the instrument and its network `name`; the state
-    /// it is then in is what power-up gives, committed, and nothing counts as changed.
+    /// Ends the construction of a subclass: gives the instrument and its network `name`, and its
+    /// clock the zones it offers; the state it is then in is what power-up gives, committed, and
+    /// nothing counts as changed.
     void _PowerUp(const std::string& name);
 
     void _Send(const std::string& line) { _lines += line; }

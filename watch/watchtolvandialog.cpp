@@ -5,6 +5,14 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "service/caladvanceddialog.h"
+#include "service/caltolvandialog.h"
+#include "service/clocktolvandialog.h"
+#include "service/factorydialog.h"
+#include "service/heaterstolvandialog.h"
+#include "service/networktolvandialog.h"
+#include "service/ratedialog.h"
+#include "service/temptolvandialog.h"
 #include "watch/mytablewidget.h"
 #include "watch/plotwavedialog.h"
 
@@ -15,6 +23,13 @@ const char* const kRecords[] = {"DATAH",          "DATA",          "DATASTATH", 
 
 // "DATASTAT" is the window's clock; the other data records are read when it comes.
 const char* const kListenedTo[] = {"DATAH", "DATASTATH", "DATADIAGH", "DATACLOCKSYNCH", "DATATESTH", "DATASTAT"};
+
+void show_on_top(QDialog* dialog)
+{
+    dialog->show();
+    dialog->activateWindow();
+    dialog->raise();
+}
 
 }  // namespace
 
@@ -35,9 +50,10 @@ WatchTolvanDialog::WatchTolvanDialog(QWidget* parent, const std::string& name, c
     auto* clock = new QPushButton("Clock...", this);
     auto* network = new QPushButton("Network...", this);
     auto* close = new QPushButton("Close", this);
-    // The windows behind these are not there yet.
-    for (QPushButton* button : {wide, rate, temp, cal, factory, mirrors, clock, network})
-        button->setEnabled(false);
+    // The wide scan is not there yet; a Morvik's document has no sections for the Tolvan's tools.
+    wide->setEnabled(false);
+    for (QPushButton* button : {rate, temp, cal, factory, mirrors})
+        button->setEnabled(!_IsMorvik());
 
     auto* grid = new QGridLayout;
     grid->addWidget(wave, 0, 0);
@@ -62,6 +78,13 @@ WatchTolvanDialog::WatchTolvanDialog(QWidget* parent, const std::string& name, c
     connect(wave, &QPushButton::clicked, this, &WatchTolvanDialog::OnWaveClicked);
     connect(dc, &QPushButton::clicked, this, &WatchTolvanDialog::OnDCClicked);
     connect(clock_sync, &QCheckBox::stateChanged, this, &WatchTolvanDialog::OnDataClockSyncChanged);
+    connect(rate, &QPushButton::clicked, this, &WatchTolvanDialog::OnRateClicked);
+    connect(temp, &QPushButton::clicked, this, &WatchTolvanDialog::OnTClicked);
+    connect(cal, &QPushButton::clicked, this, &WatchTolvanDialog::OnCalClicked);
+    connect(factory, &QPushButton::clicked, this, &WatchTolvanDialog::OnFactoryClicked);
+    connect(mirrors, &QPushButton::clicked, this, &WatchTolvanDialog::OnHeatersClicked);
+    connect(clock, &QPushButton::clicked, this, &WatchTolvanDialog::OnClockClicked);
+    connect(network, &QPushButton::clicked, this, &WatchTolvanDialog::OnNetworkClicked);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _table->setFocus(Qt::OtherFocusReason);
@@ -102,4 +125,92 @@ void WatchTolvanDialog::OnDCClicked()
 void WatchTolvanDialog::OnDataClockSyncChanged(int state)
 {
     _connector->SendClockSyncMessages(state == Qt::Checked);
+}
+
+template <class Dialog>
+Dialog* WatchTolvanDialog::_Join(Dialog* dialog)
+{
+    connect(dialog, &Dialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+    connect(_connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
+    return dialog;
+}
+
+template <class Dialog>
+Dialog* WatchTolvanDialog::_JoinRaw(Dialog* dialog)
+{
+    connect(dialog, &Dialog::SendRawXML, _connector.get(), &Connector::OnSendRawXML);
+    return _Join(dialog);
+}
+
+bool WatchTolvanDialog::_IsMorvik() const
+{
+    return _connector->Type() == "morvik" || _connector->Type() == "sarnel";
+}
+
+void WatchTolvanDialog::OnTClicked()
+{
+    if (!_temp)
+        _temp = _Join(new TempTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+    show_on_top(_temp);
+}
+
+void WatchTolvanDialog::OnCalClicked()
+{
+    if (!_cal) {
+        _cal = _JoinRaw(new CalTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan(), false));
+        connect(_cal, &CalTolvanDialog::OnAdvancedClicked, this, &WatchTolvanDialog::OnCalAdvancedClicked);
+    }
+    show_on_top(_cal);
+}
+
+void WatchTolvanDialog::OnCalAdvancedClicked()
+{
+    if (!_cal_advanced) {
+        _cal_advanced = _Join(new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+        connect(_cal_advanced, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+    }
+    show_on_top(_cal_advanced);
+}
+
+void WatchTolvanDialog::OnFactoryClicked()
+{
+    if (!_factory)
+        _factory = _JoinRaw(new FactoryTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Factory()));
+    show_on_top(_factory);
+}
+
+void WatchTolvanDialog::OnHeatersClicked()
+{
+    if (!_heaters)
+        _heaters = _JoinRaw(new HeatersTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+    show_on_top(_heaters);
+}
+
+void WatchTolvanDialog::OnClockClicked()
+{
+    if (!_clock) {
+        ConfigCfgClock& clock = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Clock()
+                                            : _connector->Doc_Tolvan().Conf().Cfg().Clock();
+        _clock = _JoinRaw(new ClockTolvanDialog(this, _connector->Host(), &clock));
+    }
+    _clock->OnRefresh();
+    show_on_top(_clock);
+}
+
+void WatchTolvanDialog::OnNetworkClicked()
+{
+    if (!_network) {
+        ConfigCfgNetwork& network = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Network()
+                                                : _connector->Doc_Tolvan().Conf().Cfg().Network();
+        _network = _JoinRaw(new NetworkTolvanDialog(this, _connector->Host(), &network, _connector->Type()));
+    }
+    show_on_top(_network);
+}
+
+void WatchTolvanDialog::OnRateClicked()
+{
+    if (!_rate)
+        _rate = _JoinRaw(
+            new RateDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Output().Rate(), "tolvan"));
+    show_on_top(_rate);
 }
