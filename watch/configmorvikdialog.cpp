@@ -8,6 +8,7 @@
 
 #include "link/connector.h"
 #include "service/clocktolvandialog.h"
+#include "service/factorydialog.h"
 #include "service/networktolvandialog.h"
 #include "watch/toolwindow.h"
 
@@ -29,8 +30,7 @@ ConfigMorvikDialog::ConfigMorvikDialog(QWidget* parent, const std::string& name,
     auto* clock = new QPushButton("Clock...", this);
     auto* network = new QPushButton("Network...", this);
     auto* close = new QPushButton("Close", this);
-    // The factory settings' own window comes with a later change; a Sarnel has none to set.
-    factory->setEnabled(false);
+    factory->setEnabled(_morvik && _connector->Type() != "sarnel");
 
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button : {refresh, apply, factory, clock, network})
@@ -44,6 +44,7 @@ ConfigMorvikDialog::ConfigMorvikDialog(QWidget* parent, const std::string& name,
 
     connect(refresh, &QPushButton::clicked, this, &ConfigMorvikDialog::OnRefreshClicked);
     connect(apply, &QPushButton::clicked, this, &ConfigMorvikDialog::OnApplyClicked);
+    connect(factory, &QPushButton::clicked, this, &ConfigMorvikDialog::OnFactoryClicked);
     connect(clock, &QPushButton::clicked, this, &ConfigMorvikDialog::OnClockClicked);
     connect(network, &QPushButton::clicked, this, &ConfigMorvikDialog::OnNetworkClicked);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
@@ -103,6 +104,15 @@ ConfigCfgNetwork& ConfigMorvikDialog::_Network()
 {
     return _morvik ? _connector->Doc_Morvik().Conf().Cfg().Network()
                    : _connector->Doc_Tolvan().Conf().Cfg().Network();
+}
+
+void ConfigMorvikDialog::OnFactoryClicked()
+{
+    ShowToolWindow(_factory, [this] {
+        auto* dialog = new FactoryMorvikDialog(this, _connector->Host(), &_connector->Doc_Morvik().Conf().Factory());
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void ConfigMorvikDialog::OnClockClicked()

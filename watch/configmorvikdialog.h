@@ -12,6 +12,7 @@ class ConfigCfgClock;
 class ConfigCfgNetwork;
 class ConfigurableString;
 class Connector;
+class FactoryMorvikDialog;
 class NetworkTolvanDialog;
 class QLineEdit;
 
@@ -34,6 +35,8 @@ public slots:
     void OnApplyClicked();
     /// New values: the head is shown again unless the user is editing it.
     void OnXMLChanged();
+    /// The serial number, for a Morvik; a Sarnel's is not set from here.
+    void OnFactoryClicked();
     void OnClockClicked();
     void OnNetworkClicked();
 
@@ -46,6 +49,7 @@ private:
     const bool _morvik;          ///< a Morvik or Sarnel document, else a Tolvan's
     ConfigurableString* _head;   ///< null for a Tolvan, which has none
     QLineEdit* _head_edit;
+    FactoryMorvikDialog* _factory = nullptr;
     ClockTolvanDialog* _clock = nullptr;
     NetworkTolvanDialog* _network = nullptr;
 };

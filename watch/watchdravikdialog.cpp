@@ -1,5 +1,6 @@
 #include "watch/watchdravikdialog.h"
 
+#include "service/matchdialog.h"
 #include "service/modeldialogs.h"
 #include "watch/plotwavedialog.h"
 
@@ -14,13 +15,12 @@ WatchDravikDialog::WatchDravikDialog(QWidget* parent, const std::string& name, c
     _power = _Button("Pwr Off", &WatchDravikDialog::OnPowerClicked);
     auto* cal = new QPushButton("Cal...", this);
     cal->setEnabled(false);  // the calibration window comes with a later change
-    auto* match = new QPushButton("Match...", this);
-    match->setEnabled(false);  // so does the match valve's
     _LayOut({{_Button("Reboot", &WatchDravikDialog::OnRebootClicked), _light_source, _power,
               _Button("Wave...", &WatchDravikDialog::OnWaveClicked), _log_button},
              {cal, _Button("Config...", &WatchModelDialog::OnCfgClicked),
               _Button("Factory...", &WatchModelDialog::OnFactoryClicked),
-              _Button("Rate...", &WatchDravikDialog::OnRateClicked), match}});
+              _Button("Rate...", &WatchDravikDialog::OnRateClicked),
+              _Button("Match...", &WatchDravikDialog::OnMatchClicked)}});
 }
 
 void WatchDravikDialog::OnRebootClicked()
@@ -49,6 +49,15 @@ void WatchDravikDialog::OnRateClicked()
         auto* dialog = new OutputDravikDialog(this, _connector->Host(), _connector->Doc_Dravik());
         JoinToConnector(static_cast<GenericConfigDialog*>(dialog), *_connector);
         return static_cast<GenericConfigDialog*>(dialog);
+    });
+}
+
+void WatchDravikDialog::OnMatchClicked()
+{
+    ShowToolWindow(_match, [this] {
+        auto* dialog = new MatchDialog(this, _connector->Host(), &_connector->Doc_Dravik().Conf().Cfg().Match().Percent());
+        connect(dialog, &MatchDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        return dialog;
     });
 }
 

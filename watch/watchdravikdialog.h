@@ -4,12 +4,13 @@
 #include "watch/watchmodeldialog.h"
 
 class GenericConfigDialog;
+class MatchDialog;
 class PlotWaveDialog;
 
 /// The live table of the Dravik's records: "DATA", "DATASTAT", "DATADIAG" and every record it
 /// announces later, repainted at most every 0.5 s of data time. Buttons: "Reboot", the light
-/// source and power toggles, the cell waveforms, configuration, factory and output settings, and
-/// the connector's log dialog.
+/// source and power toggles, the cell waveforms, configuration, factory and output settings, the
+/// match valve and the connector's log dialog.
 class WatchDravikDialog : public WatchModelDialog {
     Q_OBJECT
 public:
@@ -23,6 +24,8 @@ public slots:
     void OnWaveClicked();
     /// Rate and averaging time of the output.
     void OnRateClicked();
+    /// The match valve: straight, cross or toggled.
+    void OnMatchClicked();
     /// The connector's log dialog; this window has no save dialog of its own.
     void OnLogClicked() override;
 
@@ -33,4 +36,5 @@ protected:
 private:
     PlotWaveDialog* _wave = nullptr;
     GenericConfigDialog* _output = nullptr;
+    MatchDialog* _match = nullptr;
 };

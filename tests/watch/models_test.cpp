@@ -255,7 +255,9 @@ TEST(WatchModels, MorvikConfigurationAppliesTheHead)
     dialog.findChild<QLineEdit*>()->setText("head-7");
     find_button(dialog, "Apply")->click();
     EXPECT_TRUE(wire.Receives("<arvex><morvik><cfg><head>head-7</head></cfg></morvik></arvex>\n"));
-    EXPECT_FALSE(find_button(dialog, "Factory...")->isEnabled());
+    EXPECT_TRUE(find_button(dialog, "Factory...")->isEnabled());
+    ConfigMorvikDialog sarnel(nullptr, test_host() + "s", "sarnel");
+    EXPECT_FALSE(find_button(sarnel, "Factory...")->isEnabled());
 }
 
 }  // namespace
