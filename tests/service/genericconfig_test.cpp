@@ -12,9 +12,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTest>
 
 #include <cfloat>
 #include <climits>
@@ -22,14 +19,12 @@
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
 #include "libskarn/configcommon.h"
-#include "link/connector.h"
 #include "service/modeldialogs.h"
+#include "tests/service/wire.h"
 
 Q_DECLARE_METATYPE(std::string)
 
 namespace {
-
-constexpr int TIMEOUT_MS = 10000;
 
 // Root "R" with no leaves of its own: zeta{z}, alpha{n, flag, inner{s}}.
 struct SmallTree : ConfigurableComposite {
@@ -101,17 +96,10 @@ TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
         SmallTree tree;
         GenericConfigDialog dialog(nullptr, "Small", &tree, c.labels);
         EXPECT_EQ(page_names(dialog), c.pages);
+        EXPECT_EQ(page(dialog, "General")->layout()->count(), 0);  // the root has no leaves
         for (const QString& row : c.absent_rows)
             EXPECT_FALSE(label_texts(dialog).contains(row)) << row.toStdString();
     }
-}
-
-TEST(GenericConfig, GeneralPageOfARootWithoutLeavesIsEmpty)
-{
-    SmallTree tree;
-    GenericConfigDialog dialog(nullptr, "Small", &tree, {});
-    ASSERT_TRUE(page(dialog, "General"));
-    EXPECT_EQ(page(dialog, "General")->layout()->count(), 0);
 }
 
 TEST(GenericConfig, EditorsCarryLimitsUnitsAndValues)
@@ -192,33 +180,17 @@ TEST(GenericConfig, ModelDialogsShowTheirSectionsAsLabelledPages)
 
 TEST(GenericConfig, ApplyWithoutEditsSendsNothing)
 {
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    auto connector = Connector::Factory(nullptr, "generic-wire", "quenta");
-    connector->Connect("127.0.0.1", 0, server.serverPort());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, TIMEOUT_MS));
-    QTcpSocket* instrument = server.nextPendingConnection();
-    std::vector<std::string> lines;
-    auto wait_lines = [&](size_t count) {
-        return QTest::qWaitFor([&] {
-            while (instrument->canReadLine())
-                lines.push_back(instrument->readLine().toStdString());
-            return lines.size() >= count;
-        }, TIMEOUT_MS);
-    };
-    ASSERT_TRUE(wait_lines(4));  // the opening queries and the output selection
-    QSignalSpy changes(connector.get(), &Connector::GotXMLChanges);
-    instrument->write("<arvex><quenta><cfg><head>dravik-1</head></cfg></quenta></arvex>\n");
-    ASSERT_TRUE(changes.wait(TIMEOUT_MS));
-
-    ConfigQuentaDialog dialog(nullptr, "generic-wire", connector->Doc_Quenta());
-    QObject::connect(&dialog, &GenericConfigDialog::SendXMLChanges, connector.get(), &Connector::OnSendXMLChanges);
+    Wire wire("quenta");
+    wire.WaitForText("&query_doctype;");  // connected
+    ConfigQuentaDialog dialog(nullptr, "q1", wire.connector->Doc_Quenta());
+    wire.JoinRaw(&dialog);
     dialog.OnApply();
     // Whatever the empty Apply had sent would come ahead of this edit.
     page(dialog, "General")->findChild<QLineEdit*>()->setText("head-2");
     dialog.OnApply();
-    ASSERT_TRUE(wait_lines(5));
-    EXPECT_EQ(lines[4], "<arvex><quenta><cfg><head>head-2</head></cfg></quenta></arvex>\n");
+    EXPECT_EQ(wire.WaitFor([](const std::string& line) {
+        return line.find("&query") == std::string::npos && line.find("<output>") == std::string::npos;
+    }), "<arvex><quenta><cfg><head>head-2</head></cfg></quenta></arvex>\n");
 }
 
 }  // namespace
