@@ -16,6 +16,11 @@
 #include "app/externaldialog.h"
 #include "foundation/str_util.h"
 #include "link/connector.h"
+#include "watch/configmorvikdialog.h"
+#include "watch/watchbremmeldialog.h"
+#include "watch/watchdravikdialog.h"
+#include "watch/watchhaldendialog.h"
+#include "watch/watchquentadialog.h"
 #include "watch/watchtolvandialog.h"
 
 namespace {
@@ -26,16 +31,15 @@ using Window = MyFrame::InstrumentWindow;
 struct KeywordButton {
     const char* caption;
     const char* text;
-    Window window;
     void (MyFrame::*slot)();
 };
 
 const KeywordButton kKeywordButtons[] = {
-    {"watch-tolvan", "Watch Tolvan", Window::WatchTolvan, &MyFrame::OnWatchTolvanButtonClicked},
-    {"watch-quenta", "Watch Quenta", Window::WatchQuenta, &MyFrame::OnWatchQuentaButtonClicked},
-    {"watch-dravik", "Watch Dravik", Window::WatchDravik, &MyFrame::OnWatchDravikButtonClicked},
-    {"watch-halden", "Watch Halden", Window::WatchHalden, &MyFrame::OnWatchHaldenButtonClicked},
-    {"config-morvik", "Config Pelsen", Window::ConfigMorvik, &MyFrame::OnConfigMorvikButtonClicked},
+    {"watch-tolvan", "Watch Tolvan", &MyFrame::OnWatchTolvanButtonClicked},
+    {"watch-quenta", "Watch Quenta", &MyFrame::OnWatchQuentaButtonClicked},
+    {"watch-dravik", "Watch Dravik", &MyFrame::OnWatchDravikButtonClicked},
+    {"watch-halden", "Watch Halden", &MyFrame::OnWatchHaldenButtonClicked},
+    {"config-morvik", "Config Pelsen", &MyFrame::OnConfigMorvikButtonClicked},
 };
 
 // A button with no commands of its own; the panel leaves it without action.
@@ -363,7 +367,7 @@ void MyFrame::OnSelectionChanged()
             // The label after the first word must be in the model the instrument announces.
             const std::string text = keyword->text;
             const std::string label = text.substr(text.find(' ') + 1);
-            if (!contains(txt_value(*info, "model"), label) || !HasWindow(keyword->window)) {
+            if (!contains(txt_value(*info, "model"), label)) {
                 button->setEnabled(false);
                 continue;
             }
@@ -507,9 +511,30 @@ void MyFrame::ExecuteExternalCommand(unsigned index, const InstInfo& info)
 
 void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
 {
-    if (request.window != Window::WatchTolvan)
+    if (request.window == Window::ConfigMorvik) {
+        auto* window = new ConfigMorvikDialog(this, request.name, request.type);
+        window->show();
+        window->Connect(request.address, request.scope, request.port);
         return;
-    auto* window = new WatchTolvanDialog(this, request.name, request.type);
+    }
+    WatchDialog* window = nullptr;
+    switch (request.window) {
+    case Window::WatchQuenta:
+        window = new WatchQuentaDialog(this, request.name, request.type);
+        break;
+    case Window::WatchDravik:
+        window = new WatchDravikDialog(this, request.name, request.type);
+        break;
+    case Window::WatchHalden:
+        window = new WatchHaldenDialog(this, request.name, request.type);
+        break;
+    case Window::WatchBremmel:
+        window = new WatchBremmelDialog(this, request.name, request.type);
+        break;
+    default:
+        window = new WatchTolvanDialog(this, request.name, request.type);
+        break;
+    }
     connect(window, &WatchDialog::LogStatusChanged, this, &MyFrame::OnRefresh);
     window->show();
     // A connector that was on another address leaves it.
@@ -517,9 +542,4 @@ void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
         !contains(window->GetConnector().ConnectedTo(), request.address))
         window->Disconnect();
     window->Connect(request.address, request.scope, request.port);
-}
-
-bool MyFrame::HasWindow(InstrumentWindow window)
-{
-    return window == Window::WatchTolvan;
 }

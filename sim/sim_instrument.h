@@ -56,6 +56,9 @@ public:
 
     /// Serves one message line, as described above.
     Served Serve(const std::string& message);
+    /// Answers one plain-text line (one that is not XML) for the sender alone: lines of text, or
+    /// "" for none. Only a model with a text console answers; the others ignore such lines.
+    virtual std::string ServeText(const std::string& /*line*/) { return ""; }
     /// The units and headers of the records now selected, one line each: a new client's first lines.
     std::string Headers() { return _Headers(); }
     /// Moves the instrument on to `now`, in seconds since it was made, and queues the records due.
