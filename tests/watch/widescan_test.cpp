@@ -20,41 +20,43 @@
 #include <sstream>
 
 #include "libskarn/doctolvan.h"
-#include "tests/link/link_test_util.h"
 #include "tests/sim/sim_process.h"
+#include "tests/watch/watch_test_util.h"
+#include "watch/watchtolvandialog.h"
 #include "watch/widetolvandialog.h"
 
 namespace {
 
-// The dialog with every message it sends written down.
+// The set point of each message.
+std::vector<double> set_points(const std::vector<std::string>& sent)
+{
+    std::vector<double> points;
+    for (const std::string& text : sent)
+        points.push_back(std::stod(text.substr(text.find("<temp>") + 6)));
+    return points;
+}
+
+size_t points(const WideTolvanDialog& dialog, int curve)
+{
+    const QwtPlotItemList curves = dialog.findChild<QwtPlot*>()->itemList(QwtPlotItem::Rtti_PlotCurve);
+    return static_cast<QwtPlotCurve*>(curves.at(curve))->dataSize();
+}
+
+int rows(const WideTolvanDialog& dialog)
+{
+    return dialog.findChild<QTableView*>()->model()->rowCount();
+}
+
+// The dialog on a connector fed by hand, with every message it sends written down.
 struct Scan {
-    explicit Scan(const std::string& host)
-        : connector(Connector::Factory(nullptr, host, "tolvan")),
-          dialog(nullptr, host, connector->Doc_Tolvan(), host + ":DATAR:WAVEFORM", host + ":DATAS:WAVEFORM",
-                 host + ":DATASTAT:LCTACTUAL")
+    Scan()
+        : connector(Connector::Factory(nullptr, test_host(), "tolvan")),
+          dialog(nullptr, test_host(), connector->Doc_Tolvan(), test_host() + ":DATAR:WAVEFORM",
+                 test_host() + ":DATAS:WAVEFORM", test_host() + ":DATASTAT:LCTACTUAL")
     {
         QObject::connect(&dialog, &WideTolvanDialog::SendRawXML, [this](std::string text) { sent.push_back(text); });
     }
-    void Click(const QString& text)
-    {
-        for (QPushButton* button : dialog.findChildren<QPushButton*>())
-            if (button->text() == text)
-                button->click();
-    }
-    size_t Points(int curve) const
-    {
-        const QwtPlotItemList curves = dialog.findChild<QwtPlot*>()->itemList(QwtPlotItem::Rtti_PlotCurve);
-        return static_cast<QwtPlotCurve*>(curves.at(curve))->dataSize();
-    }
-    int Rows() const { return dialog.findChild<QTableView*>()->model()->rowCount(); }
-    // The set point of each message.
-    std::vector<double> SetPoints() const
-    {
-        std::vector<double> points;
-        for (const std::string& text : sent)
-            points.push_back(std::stod(text.substr(text.find("<temp>") + 6)));
-        return points;
-    }
+    void Click(const QString& text) { find_button(dialog, text)->click(); }
 
     std::shared_ptr<Connector> connector;
     WideTolvanDialog dialog;
@@ -76,7 +78,7 @@ std::string status(double temp)
 
 TEST(WideTolvanDialog, StepsByHand)
 {
-    Scan scan("widehand");
+    Scan scan;
     Connector& link = *scan.connector;
     link.HandleData("DATASTATH\tMSEC\tSECONDS\tNANOSECONDS\tDIAG\tLCTSET\tLCTACTUAL\tCHK\n");
     scan.dialog.SetStartLaserTemp();
@@ -97,26 +99,26 @@ TEST(WideTolvanDialog, StepsByHand)
     scan.Click("Start");
     link.HandleData(waveform("DATAS", 99));
     link.HandleData(status(2.0));
-    EXPECT_EQ(scan.SetPoints(), (std::vector<double>{2, 2, 2.25}));
-    EXPECT_EQ(scan.Points(0), 20u);
-    EXPECT_EQ(scan.Points(2), 0u);  // no reference waveform yet
+    EXPECT_EQ(set_points(scan.sent), (std::vector<double>{2, 2, 2.25}));
+    EXPECT_EQ(points(scan.dialog, 0), 20u);
+    EXPECT_EQ(points(scan.dialog, 2), 0u);  // no reference waveform yet
     for (const char* record : {"DATAS", "DATAS", "DATAR", "DATAR", "DATAR"})
         link.HandleData(waveform(record, 101));
     link.HandleData(waveform("DATAS", 99));
     link.HandleData(status(2.25));
-    EXPECT_EQ(scan.SetPoints().back(), 2.25);
+    EXPECT_EQ(set_points(scan.sent).back(), 2.25);
     link.HandleData(waveform("DATAS", 100));
     link.HandleData(status(2.25));
-    EXPECT_EQ(scan.SetPoints().back(), 2.5);
-    EXPECT_EQ(scan.Points(0), 40u);
-    EXPECT_EQ(scan.Points(2), 20u);
+    EXPECT_EQ(set_points(scan.sent).back(), 2.5);
+    EXPECT_EQ(points(scan.dialog, 0), 40u);
+    EXPECT_EQ(points(scan.dialog, 2), 20u);
 
     // Stopped with two scans and no estimate: no curves, no rows, the laser back at 2.
-    EXPECT_EQ(scan.Rows(), 8);
+    EXPECT_EQ(rows(scan.dialog), 8);
     scan.Click("Stop");
-    EXPECT_EQ(scan.Rows(), 0);
-    EXPECT_EQ(scan.Points(1), 0u);
-    EXPECT_EQ(scan.SetPoints(), (std::vector<double>{2, 2, 2.25, 2.5, 2}));
+    EXPECT_EQ(rows(scan.dialog), 0);
+    EXPECT_EQ(points(scan.dialog, 1), 0u);
+    EXPECT_EQ(set_points(scan.sent), (std::vector<double>{2, 2, 2.25, 2.5, 2}));
     link.HandleData(waveform("DATAS", 100));
     link.HandleData(status(2.25));
     EXPECT_EQ(scan.sent.size(), 5u);
@@ -132,7 +134,7 @@ TEST(WideTolvanDialog, PrintDialogIsKept)
             dialog.printer()->setOutputFileName(dir.filePath("scan.pdf"));
         return seen.size() == 1 ? int(QDialog::Accepted) : int(QDialog::Rejected);
     });
-    Scan scan("wideprint");
+    Scan scan;
     scan.Click("Print...");
     scan.Click("Print...");
     WideTolvanDialog::SetPrintDialog(nullptr);
@@ -183,30 +185,39 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     constexpr int SWEEP_MS = 300000;
     SimProcess sim({"--model", "tolvan", "--name", "widesweep", "--speed", "3", "--rate", "5"});
     ASSERT_TRUE(sim.WaitListening());
-    Scan scan("widesweep");
-    QObject::connect(&scan.dialog, &WideTolvanDialog::SendRawXML, scan.connector.get(), &Connector::OnSendRawXML);
-    scan.connector->Connect("127.0.0.1", 0, sim.port);
-    const std::string laser = "widesweep:DATASTAT:LCTACTUAL";
-    ASSERT_TRUE(QTest::qWaitFor([&] { return scan.connector->VarNumeric(laser) != 0; }, TIMEOUT_MS));
-    scan.dialog.SetStartLaserTemp();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return std::abs(scan.connector->VarNumeric(laser) - 2.0) < 0.001; }, SWEEP_MS));
+    auto* window = new WatchTolvanDialog(nullptr, test_host(), "tolvan");
+    std::unique_ptr<WatchTolvanDialog> owner(window);
+    window->Connect("127.0.0.1", 0, sim.port);
+    Connector& link = window->GetConnector();
+    const std::string laser = test_host() + ":DATASTAT:LCTACTUAL";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(laser) != 0; }, TIMEOUT_MS));
 
-    scan.Click("Start");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return scan.sent.size() == 187; }, SWEEP_MS)) << scan.sent.size();
-    std::vector<double> expected{2};
+    // Opened twice, one window; the first opening sends the laser to 2 °C.
+    find_button(*window, "Wide Scan")->click();
+    find_button(*window, "Wide Scan")->click();
+    ASSERT_EQ(window->findChildren<WideTolvanDialog*>().size(), 1);
+    WideTolvanDialog& dialog = *window->findChild<WideTolvanDialog*>();
+    EXPECT_TRUE(dialog.isVisible());
+    std::vector<std::string> sent;
+    QObject::connect(&dialog, &WideTolvanDialog::SendRawXML, [&](std::string text) { sent.push_back(text); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::abs(link.VarNumeric(laser) - 2.0) < 0.001; }, SWEEP_MS));
+
+    find_button(dialog, "Start")->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sent.size() == 186; }, SWEEP_MS)) << sent.size();
+    std::vector<double> expected;
     for (int k = 0; k <= 184; ++k)
         expected.push_back(2 + 0.25 * k);
     expected.push_back(2);
-    EXPECT_EQ(scan.SetPoints(), expected);
+    EXPECT_EQ(set_points(sent), expected);
     // The instrument took the last one: its laser heads back to 2 °C.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return scan.connector->VarNumeric("widesweep:DATASTAT:LCTSET") == 2.0; },
+    EXPECT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(test_host() + ":DATASTAT:LCTSET") == 2.0; },
                                 TIMEOUT_MS));
 
-    scan.Click("Copy To Clipboard");
+    find_button(dialog, "Copy To Clipboard")->click();
     std::istringstream copied(QApplication::clipboard()->text().toStdString());
     const auto stitched = read_columns(copied);
-    ASSERT_EQ(int(stitched.size()), scan.Rows());
-    EXPECT_EQ(scan.Points(1), stitched.size());
+    ASSERT_EQ(int(stitched.size()), rows(dialog));
+    EXPECT_EQ(points(dialog, 1), stitched.size());
 
     QTemporaryDir dir;
     const QString path = dir.filePath("truth.txt");
