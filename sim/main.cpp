@@ -1,12 +1,14 @@
 // sondar-sim: a simulated instrument.
 //
-//   sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--announce]
+//   sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--speed N] [--announce]
 //
 // serves a simulated instrument over TCP, by default on 127.0.0.1 at the port where clients look
 // for the model, until SIGINT or SIGTERM: 4410 for a Tolvan, 4420 for a Morvik or Sarnel, 4440
 // for a Dravik, 4450 for a Quenta, 4430 for a Halden, 50111 for a Bremmel and 4460 for an Ostrel.
 // MODEL is one of tolvan, morvik, sarnel, dravik, quenta, halden, bremmel and ostrel. Once it
-// listens it prints "listening on ADDRESS:PORT" on standard output.
+// listens it prints "listening on ADDRESS:PORT" on standard output. With --speed N (1 to 100) the
+// instrument lives N times faster than the wall clock, so that a test can watch a wide laser sweep
+// in minutes rather than hours.
 //
 // With --announce it also announces itself through DNS-SD as NAME of the type
 // "_arvex-MODEL._tcp", and prints "announced NAME as TYPE" once the daemon has it. Without it, it
@@ -50,7 +52,8 @@ namespace {
 
 int usage()
 {
-    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--announce]\n"
+    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--speed N]\n"
+                 "                  [--announce]\n"
                  "       sondar-sim --stdio --model MODEL\n"
                  "MODEL: tolvan, morvik, sarnel, dravik, quenta, halden, bremmel or ostrel\n"
                  "       sondar-sim --dump-spectrum FILE\n";
@@ -164,12 +167,18 @@ int run_server(int argc, char** argv, std::map<std::string, std::string>& option
         return usage();
     }
 
+    long speed = 1;
+    if (options.count("--speed") && (speed = number_in(options["--speed"], 1, 100)) < 0) {
+        std::cerr << "sondar-sim: --speed wants a whole number from 1 to 100\n";
+        return usage();
+    }
+
     QCoreApplication application(argc, argv);
     if (!quit_on_signals(application)) {
         std::cerr << "sondar-sim: " << std::strerror(errno) << '\n';
         return 1;
     }
-    SimServer server(*instrument);
+    SimServer server(*instrument, int(speed));
     QString error;
     if (!server.Listen(address, quint16(port), error)) {
         std::cerr << "sondar-sim: cannot listen on " << address.toString().toStdString() << ":" << port << ": "
@@ -192,6 +201,7 @@ int main(int argc, char** argv)
     static const std::map<std::string, bool> takes_value{
         {"--stdio", false}, {"--model", true},  {"--name", true},         {"--port", true},
         {"--listen", true}, {"--rate", true},   {"--dump-spectrum", true}, {"--announce", false},
+        {"--speed", true},
     };
     std::map<std::string, std::string> options;
     for (int i = 1; i < argc; ++i) {

@@ -229,9 +229,11 @@ void SimInstrument::Advance(double now)
 
     const int rate = Rate();
     if (rate != _data_rate) {
+        // Samples keep to the clock of the once-a-second records, so that each of those goes out
+        // with a sample taken at the same moment.
         _data_rate = rate;
-        _data_origin = now;
-        _data_sent = 0;
+        _data_origin = _power_up;
+        _data_sent = (long long)((now - _data_origin) * rate);
     }
     if (rate > 0) {
         const long long due = (long long)((now - _data_origin) * rate) + 1;

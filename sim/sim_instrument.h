@@ -147,7 +147,7 @@ private:
     double _now = 0;
     double _power_up = 0;
     int _data_rate = -1;
-    double _data_origin = 0;
+    double _data_origin = 0;  ///< when sample 0 of the present rate was due
     long long _data_sent = 0;
     long long _status_sent = 0;
     bool _light_source = false;

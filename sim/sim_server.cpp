@@ -20,7 +20,7 @@ std::string peer(const QTcpSocket* client)
 
 }  // namespace
 
-SimServer::SimServer(SimInstrument& instrument) : _instrument(instrument)
+SimServer::SimServer(SimInstrument& instrument, int speed) : _instrument(instrument), _speed(speed)
 {
     _ticker.setTimerType(Qt::PreciseTimer);
     _ticker.setInterval(TICK_MS);
@@ -129,7 +129,7 @@ void SimServer::_Serve(QTcpSocket* client, const std::string& message)
 
 void SimServer::_OnTick()
 {
-    _instrument.Advance(double(_clock.nsecsElapsed()) * 1e-9);
+    _instrument.Advance(double(_clock.nsecsElapsed()) * 1e-9 * _speed);
     _Broadcast(_instrument.TakeLines());
 }
 

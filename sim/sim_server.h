@@ -33,7 +33,9 @@ public:
     /// Milliseconds that a restart keeps the port closed.
     static constexpr int REBOOT_MS = 1000;
 
-    explicit SimServer(SimInstrument& instrument);
+    /// Serves `instrument`, whose time runs `speed` times as fast as the wall clock: its records,
+    /// its clock, its laser and the air it measures all move on faster, as in a film run fast.
+    explicit SimServer(SimInstrument& instrument, int speed = 1);
     ~SimServer() override;
 
     /// Starts serving on `address`:`port`; false, with the reason in `error`, if that fails.
@@ -57,6 +59,7 @@ private:
     QTcpServer _server;
     QTimer _ticker;
     QElapsedTimer _clock;
+    const int _speed;
     QHostAddress _address;
     quint16 _port = 0;
     struct _Client {

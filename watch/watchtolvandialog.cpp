@@ -15,6 +15,7 @@
 #include "service/temptolvandialog.h"
 #include "watch/mytablewidget.h"
 #include "watch/plotwavedialog.h"
+#include "watch/widetolvandialog.h"
 
 namespace {
 
@@ -51,9 +52,8 @@ WatchTolvanDialog::WatchTolvanDialog(QWidget* parent, const std::string& name, c
     auto* clock = new QPushButton("Clock...", this);
     auto* network = new QPushButton("Network...", this);
     auto* close = new QPushButton("Close", this);
-    // The wide scan is not there yet; a Morvik's document has no sections for the Tolvan's tools.
-    wide->setEnabled(false);
-    for (QPushButton* button : {rate, temp, cal, factory, mirrors})
+    // A Morvik's document has no sections for the Tolvan's tools.
+    for (QPushButton* button : {wide, rate, temp, cal, factory, mirrors})
         button->setEnabled(!_IsMorvik());
 
     auto* grid = new QGridLayout;
@@ -78,6 +78,7 @@ WatchTolvanDialog::WatchTolvanDialog(QWidget* parent, const std::string& name, c
 
     connect(wave, &QPushButton::clicked, this, &WatchTolvanDialog::OnWaveClicked);
     connect(dc, &QPushButton::clicked, this, &WatchTolvanDialog::OnDCClicked);
+    connect(wide, &QPushButton::clicked, this, &WatchTolvanDialog::OnWideClicked);
     connect(clock_sync, &QCheckBox::stateChanged, this, &WatchTolvanDialog::OnDataClockSyncChanged);
     connect(rate, &QPushButton::clicked, this, &WatchTolvanDialog::OnRateClicked);
     connect(temp, &QPushButton::clicked, this, &WatchTolvanDialog::OnTClicked);
@@ -214,4 +215,18 @@ void WatchTolvanDialog::OnRateClicked()
         _rate = _JoinRaw(
             new RateDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Output().Rate(), "tolvan"));
     show_on_top(_rate);
+}
+
+void WatchTolvanDialog::OnWideClicked()
+{
+    if (!_wide) {
+        const std::string& host = _connector->Host();
+        _wide = _JoinRaw(new WideTolvanDialog(this, host, _connector->Doc_Tolvan(),
+                                              VariableString(host, "DATAR", "WAVEFORM").str(),
+                                              VariableString(host, "DATAS", "WAVEFORM").str(),
+                                              VariableString(host, "DATASTAT", "LCTACTUAL").str()));
+        // Opening the scan moves the laser to its start, now that the message has somewhere to go.
+        _wide->SetStartLaserTemp();
+    }
+    show_on_top(_wide);
 }

@@ -12,6 +12,7 @@ class NetworkTolvanDialog;
 class PlotWaveDialog;
 class RateDialog;
 class TempTolvanDialog;
+class WideTolvanDialog;
 
 /// The live table of every record a Tolvan streams ("DATA", "DATASTAT", "DATADIAG",
 /// "DATACLOCKSYNC", "DATATEST"), repainted at each "DATASTAT": the other records show the latest
@@ -33,6 +34,8 @@ public slots:
     void OnWaveClicked();
     /// The same as DC waveforms.
     void OnDCClicked();
+    /// The wide spectrum scan; only a Tolvan has the laser for it.
+    void OnWideClicked();
     /// Turns the instrument's clock-sync records on (2, checked) or off.
     void OnDataClockSyncChanged(int state);
     /// Each shows its tool window, made at the first call.
@@ -69,4 +72,5 @@ private:
     ClockTolvanDialog* _clock = nullptr;
     NetworkTolvanDialog* _network = nullptr;
     RateDialog* _rate = nullptr;
+    WideTolvanDialog* _wide = nullptr;
 };

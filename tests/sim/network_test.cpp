@@ -320,6 +320,8 @@ TEST(SimCommandLine, BadArgumentsAreRefused)
         {{"--model", "tolvan", "--name", "x", "--port", "0"}, 2},
         {{"--model", "tolvan", "--name", "x", "--port", "65536"}, 2},
         {{"--model", "tolvan", "--name", "x", "--listen", "nowhere"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--speed", "0"}, 2},
+        {{"--model", "tolvan", "--name", "x", "--speed", "fast"}, 2},
         {{"--model", "tolvan", "--name", "x", "--name", "y"}, 2},
         {{"--model", "tolvan", "--name", "x", "--stdio"}, 2},
         {{"--model", "tolvan", "--name"}, 2},
