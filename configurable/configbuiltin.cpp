@@ -1,11 +1,85 @@
 #include "configurable/configbuiltin.h"
 
+#include <charconv>
+#include <cmath>
 #include <ctime>
 #include <iomanip>
 #include <istream>
 #include <limits>
+#include <locale>
 #include <ostream>
 #include <stdexcept>
+#include <string_view>
+
+#include "foundation/getarea.h"
+
+namespace {
+
+bool is_c_space(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool is_c_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// `in >> value` for the forms a document holds, "-?digits" and for reals "-?digits.digits", up to
+// white space or to an end of input that the buffer vouches for (in_avail() of -1), without going through the locale's number parser, which costs
+// more than the rest of a leaf's read. Anything else (signs, exponents, words, text that goes on,
+// a number out of range, a stream of its own settings) is left untouched for `in >> value`.
+template <class T>
+bool read_plain_number(std::istream& in, T& value)
+{
+    std::streambuf* sb = in.rdbuf();
+    const auto flags = in.flags() & (std::ios_base::skipws | std::ios_base::basefield);
+    if (!sb || !in.good() || in.tie() || flags != (std::ios_base::skipws | std::ios_base::dec) ||
+        in.getloc() != std::locale::classic())
+        return false;
+    const char* const start = StreamGetArea::next(*sb);
+    const char* const end = StreamGetArea::end(*sb);
+    if (!start)
+        return false;
+    const char* p = start;
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const number = p;
+    if (p != end && *p == '-')
+        ++p;
+    const char* const digits = p;
+    while (p != end && is_c_digit(*p))
+        ++p;
+    if (p == digits)
+        return false;
+    if (std::is_floating_point_v<T> && p != end && *p == '.')
+        for (++p; p != end && is_c_digit(*p);)
+            ++p;
+    if (p != end && !is_c_space(*p))
+        return false;
+    T parsed;
+    const auto [stop, ec] = std::from_chars(number, p, parsed);
+    if (ec != std::errc() || stop != p)
+        return false;
+    if constexpr (std::is_floating_point_v<T>) {
+        // Underflow is the stream's to judge.
+        const std::string_view text(digits, size_t(p - digits));
+        if (parsed != 0 ? !std::isnormal(parsed) : text.find_first_of("123456789") != text.npos)
+            return false;
+    }
+    StreamGetArea::bump(*sb, static_cast<int>(p - start));
+    if (p == end) {
+        // The number may go on past the get area unless the buffer knows that nothing follows.
+        if (sb->in_avail() != -1) {
+            StreamGetArea::bump(*sb, -static_cast<int>(p - start));
+            return false;
+        }
+        in.setstate(std::ios_base::eofbit);
+    }
+    value = parsed;
+    return true;
+}
+
+}  // namespace
 
 // --- ConfigurableReal ---
 
@@ -57,7 +131,7 @@ void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
     if (in.bad())
         return;
     T value;
-    if (in >> value) {
+    if (read_plain_number(in, value) || in >> value) {
         set(value);
         return;
     }
@@ -127,7 +201,7 @@ void ConfigurableInteger::set(int64_t value)
 void ConfigurableInteger::read(std::istream& in, std::ostream& err)
 {
     int64_t value;
-    if (in >> value)
+    if (read_plain_number(in, value) || in >> value)
         set(value);
     else
         err << "unable to read integer";

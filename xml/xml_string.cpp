@@ -2,21 +2,12 @@
 
 #include "xml/xml_reader.h"
 
+#include "foundation/getarea.h"
+
 #include <ostream>
 #include <string_view>
 
-namespace {
-
-// The get area of any stream buffer, through the members that streambuf
-// keeps for its derived classes.
-struct GetArea : std::streambuf {
-    static char* begin(std::streambuf& sb) { return (sb.*&GetArea::eback)(); }
-    static char* next(std::streambuf& sb) { return (sb.*&GetArea::gptr)(); }
-    static char* end(std::streambuf& sb) { return (sb.*&GetArea::egptr)(); }
-    static void bump(std::streambuf& sb, int n) { (sb.*&GetArea::gbump)(n); }
-};
-
-} // namespace
+using GetArea = StreamGetArea;
 
 void XMLCharReader::start()
 {
