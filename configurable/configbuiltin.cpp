@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "foundation/getarea.h"
+#include "foundation/streambuf_areas.h"
 
 namespace {
 
@@ -76,6 +76,27 @@ bool read_plain_number(std::istream& in, T& value)
         in.setstate(std::ios_base::eofbit);
     }
     value = parsed;
+    return true;
+}
+
+// `out << value` for a stream in its default settings, without going through the locale's number
+// printer: to_chars with a precision prints as printf does, which is what that printer ends in.
+template <class T>
+bool write_plain_number(std::ostream& out, T value)
+{
+    constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
+    if (!out.good() || out.tie() || out.flags() != defaults || out.width() != 0 ||
+        (std::is_floating_point_v<T> && out.precision() != 6) || out.getloc() != std::locale::classic())
+        return false;
+    char text[32];
+    std::to_chars_result r;
+    if constexpr (std::is_floating_point_v<T>)
+        r = std::to_chars(text, text + sizeof text, double(value), std::chars_format::general, 6);
+    else
+        r = std::to_chars(text, text + sizeof text, value);
+    if (r.ec != std::errc())
+        return false;
+    out.write(text, r.ptr - text);
     return true;
 }
 
@@ -155,7 +176,8 @@ void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
 template <class T>
 void ConfigurableReal<T>::write(std::ostream& out) const
 {
-    out << _value;
+    if (!write_plain_number(out, _value))
+        out << _value;
 }
 
 template <class T>
@@ -209,7 +231,8 @@ void ConfigurableInteger::read(std::istream& in, std::ostream& err)
 
 void ConfigurableInteger::write(std::ostream& out) const
 {
-    out << _value;
+    if (!write_plain_number(out, _value))
+        out << _value;
 }
 
 void ConfigurableInteger::write_doctype(std::ostream& out) const

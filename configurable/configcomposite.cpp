@@ -3,6 +3,16 @@
 #include "xml/xml_parser.h"
 #include "xml/xml_writer.h"
 
+namespace {
+
+// Sibling names mostly differ in their last byte ("leaf1", "leaf2"): look there before comparing all.
+bool same_name(const std::string& a, const std::string& b)
+{
+    return a.size() == b.size() && (a.empty() || (a.back() == b.back() && a == b));
+}
+
+}  // namespace
+
 ConfigurableComposite::ConfigurableComposite(const std::string& name, Configurable* parent)
     : Configurable(name, parent)
 {
@@ -24,7 +34,7 @@ Configurable* ConfigurableComposite::lookup(const std::string& name) const
 ConfigurableComposite::Children::const_iterator ConfigurableComposite::lookup_first(const std::string& name) const
 {
     auto it = _children.begin();
-    while (it != _children.end() && (*it)->name() != name)
+    while (it != _children.end() && !same_name((*it)->name(), name))
         ++it;
     return it;
 }
@@ -35,7 +45,7 @@ ConfigurableComposite::lookup_next(Children::const_iterator after, const std::st
     auto it = after;
     if (it != _children.end())
         ++it;
-    while (it != _children.end() && (*it)->name() != name)
+    while (it != _children.end() && !same_name((*it)->name(), name))
         ++it;
     return it;
 }

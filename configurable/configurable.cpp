@@ -283,6 +283,15 @@ void Configurable::_error(const std::string& message, XMLWriter& writer)
 
 bool Configurable::_do_configure_string(const std::string& text, XMLWriter& writer, bool top_level)
 {
+    // Most text is a value and holds no query: it is then one STRING or DOCTYPE token, read here
+    // without taking it apart.
+    if (text.find("&query") == std::string::npos) {
+        if (top_level || text.empty())
+            return true;
+        if (text.size() >= 2 && text.front() == '{' && text.back() == '}')
+            return _read_doctype(text.substr(1, text.size() - 2), writer);
+        return _read(text, writer);
+    }
     XMLQueryStringParser tokens(text);
     for (;;) {
         switch (tokens.GetNextToken()) {

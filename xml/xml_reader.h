@@ -131,3 +131,52 @@ inline bool xml_name_char(int c)
 {
     return xml_class::is(c, xml_class::NAME);
 }
+
+// The number of leading bytes of `name` that XMLName writes: none unless it starts like a name,
+// then up to the first byte that can't be in one, or through a ";".
+inline std::size_t xml_name_length(const std::string& name)
+{
+    if (name.empty() || !xml_name_start(static_cast<unsigned char>(name[0])))
+        return 0;
+    std::size_t n = 1;
+    while (n < name.size() && name[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(name[n])))
+        ++n;
+    return n;
+}
+
+// XMLString's escaping: hands plain runs of `text` to run(const char*, size_t) and the entity of
+// each escaped byte to entity(const char*). An "&" that opens a complete entity stays as it is.
+template <class Run, class Entity>
+void xml_escape(const std::string& text, Run run, Entity entity)
+{
+    auto entity_follows = [&text](std::size_t amp) {
+        for (std::size_t i = amp + 1; i < text.size(); ++i) {
+            const char c = text[i];
+            if (c == ';')
+                return i > amp + 1;
+            if (xml_is_space(static_cast<unsigned char>(c)) || c == '"' || c == '&' || c == '\'' || c == '<' || c == '>')
+                return false;
+        }
+        return false;
+    };
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char* esc;
+        switch (text[i]) {
+        case '"': esc = "&quot;"; break;
+        case '\'': esc = "&apos;"; break;
+        case '<': esc = "&lt;"; break;
+        case '>': esc = "&gt;"; break;
+        case '&':
+            if (entity_follows(i))
+                continue;
+            esc = "&amp;";
+            break;
+        default: continue;
+        }
+        run(text.data() + done, i - done);
+        entity(esc);
+        done = i + 1;
+    }
+    run(text.data() + done, text.size() - done);
+}

@@ -2,7 +2,7 @@
 
 #include "xml/xml_reader.h"
 
-#include "foundation/getarea.h"
+#include "foundation/streambuf_areas.h"
 
 #include <ostream>
 #include <string_view>
@@ -277,37 +277,9 @@ void XMLString::_read(std::istream& is)
 
 void XMLString::_write(std::ostream& os) const
 {
-    // An "&" that opens a complete entity goes out as it is.
-    auto entity_follows = [this](std::size_t amp) {
-        for (std::size_t i = amp + 1; i < _value.size(); ++i) {
-            char c = _value[i];
-            if (c == ';')
-                return i > amp + 1;
-            if (xml_is_space(static_cast<unsigned char>(c)) || c == '"' || c == '&' || c == '\'' || c == '<' || c == '>')
-                return false;
-        }
-        return false;
-    };
-    std::size_t done = 0;
-    for (std::size_t i = 0; i < _value.size(); ++i) {
-        const char* esc;
-        switch (_value[i]) {
-        case '"': esc = "&quot;"; break;
-        case '\'': esc = "&apos;"; break;
-        case '<': esc = "&lt;"; break;
-        case '>': esc = "&gt;"; break;
-        case '&':
-            if (entity_follows(i))
-                continue;
-            esc = "&amp;";
-            break;
-        default: continue;
-        }
-        os.write(_value.data() + done, static_cast<std::streamsize>(i - done));
-        os << esc;
-        done = i + 1;
-    }
-    os.write(_value.data() + done, static_cast<std::streamsize>(_value.size() - done));
+    xml_escape(
+        _value, [&os](const char* s, std::size_t n) { os.write(s, static_cast<std::streamsize>(n)); },
+        [&os](const char* entity) { os << entity; });
 }
 
 std::istream& operator>>(std::istream& is, XMLString& s)
@@ -331,11 +303,5 @@ void XMLName::_read(std::istream& is)
 
 void XMLName::_write(std::ostream& os) const
 {
-    std::size_t n = 0;
-    if (!_value.empty() && xml_name_start(static_cast<unsigned char>(_value[0]))) {
-        n = 1;
-        while (n < _value.size() && _value[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(_value[n])))
-            ++n;
-    }
-    os.write(_value.data(), static_cast<std::streamsize>(n));
+    os.write(_value.data(), static_cast<std::streamsize>(xml_name_length(_value)));
 }

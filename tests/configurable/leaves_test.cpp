@@ -109,6 +109,26 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
     }
 }
 
+// Leaves print plain streams without the locale's printer: the text must be what operator<< gives.
+TEST(Leaves, PrintedAsTheStreamPrints)
+{
+    const double reals[] = {0.1, 1234567, 1e-5, -0.0, 0.1234, 123456.5, 999999.5, 3.4e38, 1e-40, 1e300,
+                            std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+                            std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()};
+    for (double value : reals) {
+        std::ostringstream f, d;
+        f << float(value);
+        d << value;
+        EXPECT_EQ(written(ConfigurableFloat("f", float(value))), f.str()) << value;
+        EXPECT_EQ(written(ConfigurableDouble("d", value)), d.str()) << value;
+    }
+    for (int64_t value : {int64_t(0), int64_t(-42), std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max()}) {
+        std::ostringstream i;
+        i << value;
+        EXPECT_EQ(written(ConfigurableInteger("i", value)), i.str()) << value;
+    }
+}
+
 TEST(Leaves, RangeModes)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
