@@ -5,6 +5,53 @@
 #include <istream>
 #include <string>
 
+// Character classes of the C locale; bytes above 127 belong to none. A
+// table, since the scanners ask for every byte.
+namespace xml_class {
+enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16 };
+
+struct Table {
+    unsigned char bits[256] = {};
+    constexpr Table()
+    {
+        for (int c = '\t'; c <= '\r'; ++c)
+            bits[c] = SPACE;
+        bits[' '] = SPACE;
+        for (int c = 'a'; c <= 'z'; ++c)
+            bits[c] = bits[c - 'a' + 'A'] = NAME_START | NAME;
+        for (int c = '0'; c <= '9'; ++c)
+            bits[c] = DIGIT | NAME;
+        bits['&'] = NAME_START | STOP;
+        bits[':'] = bits['_'] = NAME_START | NAME;
+        bits['-'] = bits['.'] = bits[';'] = NAME;
+        bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
+    }
+};
+inline constexpr Table table{};
+
+inline bool is(int c, unsigned char bit)
+{
+    return c >= 0 && (table.bits[c] & bit);
+}
+} // namespace xml_class
+
+inline bool xml_is_space(int c)
+{
+    return xml_class::is(c, xml_class::SPACE);
+}
+inline bool xml_is_digit(int c)
+{
+    return xml_class::is(c, xml_class::DIGIT);
+}
+inline bool xml_name_start(int c)
+{
+    return xml_class::is(c, xml_class::NAME_START);
+}
+inline bool xml_name_char(int c)
+{
+    return xml_class::is(c, xml_class::NAME);
+}
+
 // Reads straight from the stream buffer's get area, so that names and text
 // are scanned and appended in runs rather than byte by byte. Each operation
 // leaves the stream's state bits as istream::get(), unget() and std::ws
@@ -52,7 +99,11 @@ public:
     }
 
     // Skips white space; the end of input sets eofbit only.
-    void skip_ws();
+    void skip_ws()
+    {
+        if (_p == _end || _state != std::ios::goodbit || xml_is_space(static_cast<unsigned char>(*_p)))
+            _skip_ws_slow();
+    }
 
     // The XMLName reading rules; `out` is cleared first.
     void read_name(std::string& out);
@@ -61,6 +112,7 @@ public:
 
 private:
     bool _good() const { return _state == std::ios::goodbit; }
+    void _skip_ws_slow();
     // Makes bytes available, or fails the stream as get() does at the end.
     bool _more();
     int _get_slow();
@@ -85,52 +137,6 @@ private:
     char _one = 0;
 };
 
-// Character classes of the C locale; bytes above 127 belong to none. A
-// table, since the scanners ask for every byte.
-namespace xml_class {
-enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16 };
-
-struct Table {
-    unsigned char bits[256] = {};
-    constexpr Table()
-    {
-        for (int c = '\t'; c <= '\r'; ++c)
-            bits[c] = SPACE;
-        bits[' '] = SPACE;
-        for (int c = 'a'; c <= 'z'; ++c)
-            bits[c] = bits[c - 'a' + 'A'] = NAME_START | NAME;
-        for (int c = '0'; c <= '9'; ++c)
-            bits[c] = DIGIT | NAME;
-        bits['&'] = NAME_START | STOP;
-        bits[':'] = bits['_'] = NAME_START | NAME;
-        bits['-'] = bits['.'] = bits[';'] = NAME;
-        bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
-    }
-};
-inline constexpr Table table{};
-
-inline bool is(int c, unsigned char bit)
-{
-    return c >= 0 && (table.bits[c] & bit);
-}
-} // namespace xml_class
-
-inline bool xml_is_space(int c)
-{
-    return xml_class::is(c, xml_class::SPACE);
-}
-inline bool xml_is_digit(int c)
-{
-    return xml_class::is(c, xml_class::DIGIT);
-}
-inline bool xml_name_start(int c)
-{
-    return xml_class::is(c, xml_class::NAME_START);
-}
-inline bool xml_name_char(int c)
-{
-    return xml_class::is(c, xml_class::NAME);
-}
 
 // The number of leading bytes of `name` that XMLName writes: none unless it starts like a name,
 // then up to the first byte that can't be in one, or through a ";".

@@ -94,7 +94,7 @@ void XMLCharReader::_unget_slow()
         setstate(std::ios::badbit);
 }
 
-void XMLCharReader::skip_ws()
+void XMLCharReader::_skip_ws_slow()
 {
     if (!_good()) {
         setstate(std::ios::failbit);
