@@ -24,20 +24,46 @@ bool is_c_digit(char c)
     return c >= '0' && c <= '9';
 }
 
+// A stream that extracts as the classic locale does, skipping white space first, with nothing tied
+// and no field width: the scanners below stand in for its extractors on the bytes in its buffer.
+bool plain_input(std::istream& in)
+{
+    constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
+    return in.rdbuf() && in.good() && !in.tie() && in.width() == 0 &&
+           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults &&
+           in.getloc() == std::locale::classic();
+}
+
+// Takes [start, stop) out of the buffer of a plain stream, where `stop` is a byte that ends the item
+// or the end of the get area. An item that reaches that end is taken only if the buffer vouches
+// that nothing follows (in_avail() of -1), and then sets eofbit as the extractor would.
+bool take(std::istream& in, const char* start, const char* stop)
+{
+    std::streambuf& sb = *in.rdbuf();
+    const int n = static_cast<int>(stop - start);
+    StreamGetArea::bump(sb, n);
+    if (stop == StreamGetArea::end(sb)) {
+        if (sb.in_avail() != -1) {
+            StreamGetArea::bump(sb, -n);
+            return false;
+        }
+        in.setstate(std::ios_base::eofbit);
+    }
+    return true;
+}
+
 // `in >> value` for the forms a document holds, "-?digits" and for reals "-?digits.digits", up to
-// white space or to an end of input that the buffer vouches for (in_avail() of -1), without going through the locale's number parser, which costs
+// white space or the end of input, without going through the locale's number parser, which costs
 // more than the rest of a leaf's read. Anything else (signs, exponents, words, text that goes on,
-// a number out of range, a stream of its own settings) is left untouched for `in >> value`.
+// a number out of range) is left untouched for `in >> value`.
 template <class T>
 bool read_plain_number(std::istream& in, T& value)
 {
-    std::streambuf* sb = in.rdbuf();
-    const auto flags = in.flags() & (std::ios_base::skipws | std::ios_base::basefield);
-    if (!sb || !in.good() || in.tie() || flags != (std::ios_base::skipws | std::ios_base::dec) ||
-        in.getloc() != std::locale::classic())
+    if (!plain_input(in))
         return false;
-    const char* const start = StreamGetArea::next(*sb);
-    const char* const end = StreamGetArea::end(*sb);
+    std::streambuf& sb = *in.rdbuf();
+    const char* const start = StreamGetArea::next(sb);
+    const char* const end = StreamGetArea::end(sb);
     if (!start)
         return false;
     const char* p = start;
@@ -66,16 +92,31 @@ bool read_plain_number(std::istream& in, T& value)
         if (parsed != 0 ? !std::isnormal(parsed) : text.find_first_of("123456789") != text.npos)
             return false;
     }
-    StreamGetArea::bump(*sb, static_cast<int>(p - start));
-    if (p == end) {
-        // The number may go on past the get area unless the buffer knows that nothing follows.
-        if (sb->in_avail() != -1) {
-            StreamGetArea::bump(*sb, -static_cast<int>(p - start));
-            return false;
-        }
-        in.setstate(std::ios_base::eofbit);
-    }
+    if (!take(in, start, p))
+        return false;
     value = parsed;
+    return true;
+}
+
+// `in >> word` for a word that ends at white space or at a vouched end of input.
+bool read_plain_word(std::istream& in, std::string& word)
+{
+    if (!plain_input(in))
+        return false;
+    std::streambuf& sb = *in.rdbuf();
+    const char* const start = StreamGetArea::next(sb);
+    const char* const end = StreamGetArea::end(sb);
+    if (!start)
+        return false;
+    const char* p = start;
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const first = p;
+    while (p != end && !is_c_space(*p))
+        ++p;
+    if (p == first || !take(in, start, p))
+        return false;
+    word.assign(first, p);
     return true;
 }
 
@@ -294,7 +335,7 @@ void ConfigurableBool::set(bool value)
 void ConfigurableBool::read(std::istream& in, std::ostream& err)
 {
     std::string word;
-    if (!(in >> word))
+    if (!read_plain_word(in, word) && !(in >> word))
         err << "unable to read bool";
     else if (word == "true")
         set(true);

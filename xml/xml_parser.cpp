@@ -7,12 +7,30 @@ XMLParser::XMLParser(std::istream& is) : _is(is)
 {
     // START_DOC twice: it is current before anything is read, and the first
     // GetNextToken delivers it as well.
-    TokenInfo& start = _tokens.emplace_back();
-    start.type = START_DOC;
     _history.reserve(64);
-    _history.push_back(&start);
+    TokenInfo& start = _new_token();
+    start.type = START_DOC;
     _history.push_back(&start);
     _go(0);
+}
+
+XMLParser::~XMLParser()
+{
+    // The first entry is the second one again.
+    for (std::size_t i = 1; i < _history.size(); ++i)
+        _history[i]->~TokenInfo();
+}
+
+XMLParser::TokenInfo& XMLParser::_new_token()
+{
+    if (_block_next == _block_end) {
+        constexpr std::size_t BLOCK = 32;
+        _block_next = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
+        _block_end = _block_next + BLOCK;
+    }
+    TokenInfo* tok = new (_block_next++) TokenInfo;
+    _history.push_back(tok);
+    return *tok;
 }
 
 XMLParser::TokenType XMLParser::GetNextToken()
@@ -62,8 +80,7 @@ XMLParser::TokenType XMLParser::_advance()
 
 void XMLParser::_read_token()
 {
-    TokenInfo& tok = _tokens.emplace_back();
-    _history.push_back(&tok);
+    TokenInfo& tok = _new_token();
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();

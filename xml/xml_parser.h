@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
+#include <new>
 #include <istream>
 #include <memory_resource>
 #include <string>
@@ -32,6 +32,9 @@ public:
 
     // The stream's state bits belong to the parser from now on.
     explicit XMLParser(std::istream& is);
+    ~XMLParser();
+    XMLParser(const XMLParser&) = delete;
+    XMLParser& operator=(const XMLParser&) = delete;
 
     // Moves on by one token and returns its type; replays stored tokens
     // before reading new ones. Returns ERROR again while the current token
@@ -64,6 +67,7 @@ private:
         _tok = _history[index];
     }
     TokenType _advance();
+    TokenInfo& _new_token();
     void _read_token();
     void _read_outside_tag(TokenInfo& tok);
     void _read_inside_tag(TokenInfo& tok);
@@ -73,12 +77,13 @@ private:
     std::istream& _is;
     XMLCharReader _in{_is};
     // Tokens are never freed before the parser: an arena, which covers a
-    // short message without a malloc, holds them. The deque keeps them (and
-    // the strings handed out) in place; the history refers to them.
+    // short message without a malloc, holds them in blocks, so that they
+    // (and the strings handed out) stay in place. The history refers to them.
     std::byte _initial[4096];
     std::pmr::monotonic_buffer_resource _arena{_initial, sizeof _initial};
-    std::pmr::deque<TokenInfo> _tokens{&_arena};
-    std::pmr::vector<const TokenInfo*> _history{&_arena};
+    std::pmr::vector<TokenInfo*> _history{&_arena};
+    TokenInfo* _block_next = nullptr;
+    TokenInfo* _block_end = nullptr;
     std::size_t _curr = 0;
     std::size_t _mark = 0;
     const TokenInfo* _tok = nullptr;

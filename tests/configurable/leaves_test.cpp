@@ -82,20 +82,23 @@ TEST(Leaves, UnreadableNumbersLeaveTheOldValue)
     EXPECT_EQ(read_into(d, "x").error, "unable to read double");
 }
 
-// Text from a message is read through the framework's own buffer, where plain numbers skip the
-// locale's parser: every form must come out as a read from any other stream gives it.
+// Text from a message is read through the framework's own buffer, where plain numbers and words skip
+// the locale's parsers: every form must come out as a read from any other stream gives it.
 TEST(Leaves, MessageReadsAgreeWithStreamReads)
 {
     const char* texts[] = {
         "12.5", " 12.5 ", "-0", "007", "12.", "1e", "1e5", "+5", "-", ".5", "1.5abc", "12 34",
         "3.4028236e38", "340282360000000000000000000000000000000", "0.00000000000000000000000000000000000000000001",
         "99999999999999999999", "-9223372036854775808", "4.35", "0.1", "inf", "junk",
+        "true", " false ", "true false", "truest", "",
     };
     for (const char* text : texts) {
         ConfigurableFloat f1("f", 1), f2("f", 1);
         ConfigurableDouble d1("d", 1), d2("d", 1);
         ConfigurableInteger i1("i", 1), i2("i", 1);
-        for (auto [by_message, by_stream] : {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2}, {&i1, &i2}}) {
+        ConfigurableBool b1("b", false), b2("b", false);
+        for (auto [by_message, by_stream] :
+             {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2}, {&i1, &i2}, {&b1, &b2}}) {
             std::ostringstream reply;
             XMLWriter writer(reply, false);
             const bool ok = by_message->_read(text, writer);
