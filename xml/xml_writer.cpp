@@ -17,7 +17,7 @@ bool plain(std::ostream& os)
     return os.rdstate() == std::ios_base::goodbit && os.width() == 0 && !os.tie();
 }
 
-void put(std::ostream& os, const char* s, std::size_t n)
+inline void put(std::ostream& os, const char* s, std::size_t n)
 {
     std::streambuf& sb = *os.rdbuf();
     char* to = StreamPutArea::next(sb);
@@ -29,10 +29,12 @@ void put(std::ostream& os, const char* s, std::size_t n)
     }
 }
 
-void put_markup(std::ostream& os, const char* s)
+// A literal, so that its length is known where it is copied.
+template <std::size_t N>
+void put_markup(std::ostream& os, const char (&s)[N])
 {
     if (plain(os))
-        put(os, s, std::strlen(s));
+        put(os, s, N - 1);
     else
         os << s;
 }
