@@ -14,7 +14,7 @@ void XMLCharReader::start()
     _state = _is.rdstate();
     std::streambuf* sb = _is.rdbuf();
     // A window kept from the last token stays good while the buffer is where it was left.
-    if (sb != _sb || _local || GetArea::next(*sb) != _p || GetArea::end(*sb) != _end) {
+    if (!sb || sb != _sb || _local || GetArea::next(*sb) != _p || GetArea::end(*sb) != _end) {
         _sb = sb;
         _begin = _p = _end = nullptr;
         _local = false;
