@@ -1,10 +1,15 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "bench/many_instruments.h"
 #include "bench/ratio.h"
 
 std::vector<Ratio>& ratios()
@@ -15,24 +20,63 @@ std::vector<Ratio>& ratios()
 
 namespace {
 
-// Console output as usual; the time per iteration is kept for the ratios.
+// Console output as usual; the CPU time per iteration is kept for the ratios, since other work on
+// the machine stretches wall time but not CPU time. With repetitions the median counts.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
     std::map<std::string, double> times;
 
     void ReportRuns(const std::vector<Run>& runs) override
     {
-        for (const Run& r : runs)
-            if (!r.error_occurred)
-                times[r.benchmark_name()] = r.GetAdjustedRealTime();
+        for (const Run& r : runs) {
+            if (r.error_occurred)
+                continue;
+            if (r.run_type == Run::RT_Iteration && !medians.count(r.run_name.str()))
+                times[r.run_name.str()] = r.GetAdjustedCPUTime();
+            if (r.run_type == Run::RT_Aggregate && r.aggregate_name == "median") {
+                times[r.run_name.str()] = r.GetAdjustedCPUTime();
+                medians.insert(r.run_name.str());
+            }
+        }
         ConsoleReporter::ReportRuns(runs);
     }
+
+private:
+    std::set<std::string> medians;
 };
+
+// Takes the bench's own flags out of argv: --many=1,10,50,100 (or none), --many_seconds=S,
+// --many_port=P.
+ManyOptions many_options(int& argc, char** argv)
+{
+    ManyOptions options;
+    options.sim = SONDAR_SIM_PATH;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        const char* arg = argv[i];
+        if (std::strncmp(arg, "--many=", 7) == 0) {
+            options.counts.clear();
+            std::istringstream list(arg + 7);
+            for (std::string item; std::getline(list, item, ',');)
+                if (item != "none")
+                    options.counts.push_back(std::atoi(item.c_str()));
+        } else if (std::strncmp(arg, "--many_seconds=", 15) == 0) {
+            options.seconds = std::atof(arg + 15);
+        } else if (std::strncmp(arg, "--many_port=", 12) == 0) {
+            options.first_port = std::atoi(arg + 12);
+        } else {
+            argv[kept++] = argv[i];
+        }
+    }
+    argc = kept;
+    return options;
+}
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    const ManyOptions many = many_options(argc, argv);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
@@ -44,5 +88,7 @@ int main(int argc, char** argv)
             std::printf("%-45s %.2f\n", (r.label + ":").c_str(), ours->second / reference->second);
     }
     benchmark::Shutdown();
+    if (!many.counts.empty())
+        RunManyInstruments(many);
     return 0;
 }

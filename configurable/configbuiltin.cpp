@@ -1,11 +1,147 @@
 #include "configurable/configbuiltin.h"
 
+#include <charconv>
+#include <cmath>
 #include <ctime>
 #include <iomanip>
 #include <istream>
 #include <limits>
+#include <locale>
 #include <ostream>
 #include <stdexcept>
+#include <string_view>
+
+#include "foundation/streambuf_areas.h"
+
+namespace {
+
+bool is_c_space(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool is_c_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// A stream that extracts as the classic locale does, skipping white space first, with nothing tied
+// and no field width: the scanners below stand in for its extractors on the bytes in its buffer.
+bool plain_input(std::istream& in)
+{
+    constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
+    return in.rdbuf() && in.good() && !in.tie() && in.width() == 0 &&
+           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults &&
+           in.getloc() == std::locale::classic();
+}
+
+// Takes [start, stop) out of the buffer of a plain stream, where `stop` is a byte that ends the item
+// or the end of the get area. An item that reaches that end is taken only if the buffer vouches
+// that nothing follows (in_avail() of -1), and then sets eofbit as the extractor would.
+bool take(std::istream& in, const char* start, const char* stop)
+{
+    std::streambuf& sb = *in.rdbuf();
+    const int n = static_cast<int>(stop - start);
+    StreamGetArea::bump(sb, n);
+    if (stop == StreamGetArea::end(sb)) {
+        if (sb.in_avail() != -1) {
+            StreamGetArea::bump(sb, -n);
+            return false;
+        }
+        in.setstate(std::ios_base::eofbit);
+    }
+    return true;
+}
+
+// `in >> value` for the forms a document holds, "-?digits" and for reals "-?digits.digits", up to
+// white space or the end of input, without going through the locale's number parser, which costs
+// more than the rest of a leaf's read. Anything else (signs, exponents, words, text that goes on,
+// a number out of range) is left untouched for `in >> value`.
+template <class T>
+bool read_plain_number(std::istream& in, T& value)
+{
+    if (!plain_input(in))
+        return false;
+    std::streambuf& sb = *in.rdbuf();
+    const char* const start = StreamGetArea::next(sb);
+    const char* const end = StreamGetArea::end(sb);
+    if (!start)
+        return false;
+    const char* p = start;
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const number = p;
+    if (p != end && *p == '-')
+        ++p;
+    const char* const digits = p;
+    while (p != end && is_c_digit(*p))
+        ++p;
+    if (p == digits)
+        return false;
+    if (std::is_floating_point_v<T> && p != end && *p == '.')
+        for (++p; p != end && is_c_digit(*p);)
+            ++p;
+    if (p != end && !is_c_space(*p))
+        return false;
+    T parsed;
+    const auto [stop, ec] = std::from_chars(number, p, parsed);
+    if (ec != std::errc() || stop != p)
+        return false;
+    if constexpr (std::is_floating_point_v<T>) {
+        // Underflow is the stream's to judge.
+        const std::string_view text(digits, size_t(p - digits));
+        if (parsed != 0 ? !std::isnormal(parsed) : text.find_first_of("123456789") != text.npos)
+            return false;
+    }
+    if (!take(in, start, p))
+        return false;
+    value = parsed;
+    return true;
+}
+
+// `in >> word` for a word that ends at white space or at a vouched end of input.
+bool read_plain_word(std::istream& in, std::string& word)
+{
+    if (!plain_input(in))
+        return false;
+    std::streambuf& sb = *in.rdbuf();
+    const char* const start = StreamGetArea::next(sb);
+    const char* const end = StreamGetArea::end(sb);
+    if (!start)
+        return false;
+    const char* p = start;
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const first = p;
+    while (p != end && !is_c_space(*p))
+        ++p;
+    if (p == first || !take(in, start, p))
+        return false;
+    word.assign(first, p);
+    return true;
+}
+
+// `out << value` for a stream in its default settings, without going through the locale's number
+// printer: to_chars with a precision prints as printf does, which is what that printer ends in.
+template <class T>
+bool write_plain_number(std::ostream& out, T value)
+{
+    constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
+    if (!out.good() || out.tie() || out.flags() != defaults || out.width() != 0 ||
+        (std::is_floating_point_v<T> && out.precision() != 6) || out.getloc() != std::locale::classic())
+        return false;
+    char text[32];
+    std::to_chars_result r;
+    if constexpr (std::is_floating_point_v<T>)
+        r = std::to_chars(text, text + sizeof text, double(value), std::chars_format::general, 6);
+    else
+        r = std::to_chars(text, text + sizeof text, value);
+    if (r.ec != std::errc())
+        return false;
+    out.write(text, r.ptr - text);
+    return true;
+}
+
+}  // namespace
 
 // --- ConfigurableReal ---
 
@@ -57,7 +193,7 @@ void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
     if (in.bad())
         return;
     T value;
-    if (in >> value) {
+    if (read_plain_number(in, value) || in >> value) {
         set(value);
         return;
     }
@@ -81,7 +217,8 @@ void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
 template <class T>
 void ConfigurableReal<T>::write(std::ostream& out) const
 {
-    out << _value;
+    if (!write_plain_number(out, _value))
+        out << _value;
 }
 
 template <class T>
@@ -127,7 +264,7 @@ void ConfigurableInteger::set(int64_t value)
 void ConfigurableInteger::read(std::istream& in, std::ostream& err)
 {
     int64_t value;
-    if (in >> value)
+    if (read_plain_number(in, value) || in >> value)
         set(value);
     else
         err << "unable to read integer";
@@ -135,7 +272,8 @@ void ConfigurableInteger::read(std::istream& in, std::ostream& err)
 
 void ConfigurableInteger::write(std::ostream& out) const
 {
-    out << _value;
+    if (!write_plain_number(out, _value))
+        out << _value;
 }
 
 void ConfigurableInteger::write_doctype(std::ostream& out) const
@@ -197,7 +335,7 @@ void ConfigurableBool::set(bool value)
 void ConfigurableBool::read(std::istream& in, std::ostream& err)
 {
     std::string word;
-    if (!(in >> word))
+    if (!read_plain_word(in, word) && !(in >> word))
         err << "unable to read bool";
     else if (word == "true")
         set(true);

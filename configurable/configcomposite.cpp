@@ -1,7 +1,20 @@
 #include "configurable/configcomposite.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "xml/xml_parser.h"
 #include "xml/xml_writer.h"
+
+namespace {
+
+// Sibling names mostly differ in their last byte ("leaf1", "leaf2"): look there before comparing all.
+bool same_name(const std::string& a, const std::string& b)
+{
+    return a.size() == b.size() && (a.empty() || (a.back() == b.back() && a == b));
+}
+
+}  // namespace
 
 ConfigurableComposite::ConfigurableComposite(const std::string& name, Configurable* parent)
     : Configurable(name, parent)
@@ -11,6 +24,7 @@ ConfigurableComposite::ConfigurableComposite(const std::string& name, Configurab
 void ConfigurableComposite::add(Configurable& child)
 {
     _children.push_back(&child);
+    _children_changed();
     child.set_parent(this);
     child._set_throw_on_error(_throws_on_error());
 }
@@ -21,10 +35,38 @@ Configurable* ConfigurableComposite::lookup(const std::string& name) const
     return it == _children.end() ? nullptr : *it;
 }
 
+bool ConfigurableComposite::_has_unique_names() const
+{
+    if (_unique_names == UNKNOWN) {
+        std::vector<const std::string*> names;
+        names.reserve(_children.size());
+        for (const Configurable* c : _children)
+            names.push_back(&c->name());
+        std::sort(names.begin(), names.end(), [](auto a, auto b) { return *a < *b; });
+        const bool unique =
+            std::adjacent_find(names.begin(), names.end(), [](auto a, auto b) { return *a == *b; }) == names.end();
+        _unique_names = unique ? UNIQUE : SHARED;
+    }
+    return _unique_names == UNIQUE;
+}
+
 ConfigurableComposite::Children::const_iterator ConfigurableComposite::lookup_first(const std::string& name) const
 {
+    if (_has_unique_names()) {
+        // The only child of the name is the first one, wherever the search starts.
+        auto it = _hint;
+        for (size_t n = _children.size(); n > 0; --n, ++it) {
+            if (it == _children.end())
+                it = _children.begin();
+            if (same_name((*it)->name(), name)) {
+                _hint = std::next(it);
+                return it;
+            }
+        }
+        return _children.end();
+    }
     auto it = _children.begin();
-    while (it != _children.end() && (*it)->name() != name)
+    while (it != _children.end() && !same_name((*it)->name(), name))
         ++it;
     return it;
 }
@@ -32,10 +74,12 @@ ConfigurableComposite::Children::const_iterator ConfigurableComposite::lookup_fi
 ConfigurableComposite::Children::const_iterator
 ConfigurableComposite::lookup_next(Children::const_iterator after, const std::string& name) const
 {
+    if (after != _children.end() && same_name((*after)->name(), name) && _has_unique_names())
+        return _children.end();
     auto it = after;
     if (it != _children.end())
         ++it;
-    while (it != _children.end() && (*it)->name() != name)
+    while (it != _children.end() && !same_name((*it)->name(), name))
         ++it;
     return it;
 }
@@ -53,6 +97,7 @@ void ConfigurableComposite::_delete_back()
 {
     delete _children.back();
     _children.pop_back();
+    _children_changed();
 }
 
 void ConfigurableComposite::set_to_default()
@@ -177,6 +222,7 @@ void ConfigurableCompositeDynamicBase::remove(const Configurable& key)
         if (_is_same(**it, key)) {
             delete *it;
             it = _children.erase(it);
+            _children_changed();
         } else {
             ++it;
         }

@@ -41,6 +41,21 @@ public:
 
 protected:
     Children _children;
+
+    /// To be called whenever the list of children changes.
+    void _children_changed()
+    {
+        _unique_names = UNKNOWN;
+        _hint = _children.end();
+    }
+
+private:
+    // Lookup helps, dropped whenever the children change: whether every child has a name of its
+    // own, and where the last lookup stopped, since messages name children in their order.
+    enum : int8_t { UNKNOWN = -1, SHARED = 0, UNIQUE = 1 };
+    mutable int8_t _unique_names = UNKNOWN;
+    mutable Children::const_iterator _hint = _children.end();
+    bool _has_unique_names() const;
 };
 
 /// A list of like children created by incoming XML and owned by the list. Every message that

@@ -11,45 +11,106 @@ int Configurable::_xalloc_index = -1;
 
 namespace {
 
+// An input buffer over text that it does not own. It seeks, since a read may start over.
+class TextBuf : public std::streambuf {
+public:
+    void set(const std::string& text)
+    {
+        char* p = const_cast<char*>(text.data());
+        setg(p, p, p + text.size());
+    }
+
+protected:
+    // All of the text is in the get area: once it is read, nothing follows.
+    std::streamsize showmanyc() override { return -1; }
+    pos_type seekoff(off_type off, std::ios_base::seekdir dir, std::ios_base::openmode which) override
+    {
+        const off_type size = egptr() - eback();
+        const off_type base = dir == std::ios_base::beg ? 0 : dir == std::ios_base::cur ? gptr() - eback() : size;
+        if (!(which & std::ios_base::in) || base + off < 0 || base + off > size)
+            return pos_type(off_type(-1));
+        setg(eback(), eback() + base + off, egptr());
+        return pos_type(base + off);
+    }
+    pos_type seekpos(pos_type pos, std::ios_base::openmode which) override
+    {
+        return seekoff(off_type(pos), std::ios_base::beg, which);
+    }
+};
+
+// An output buffer that appends to a string, which the caller reads in place.
+class SinkBuf : public std::streambuf {
+public:
+    std::string text;
+
+protected:
+    int_type overflow(int_type c) override
+    {
+        if (!traits_type::eq_int_type(c, traits_type::eof()))
+            text += traits_type::to_char_type(c);
+        return traits_type::not_eof(c);
+    }
+    std::streamsize xsputn(const char* s, std::streamsize n) override
+    {
+        text.append(s, static_cast<std::size_t>(n));
+        return n;
+    }
+};
+
 // Making a stream costs more than reading or printing a value, and a message reads one value
 // per leaf: streams are kept for reuse, one per nesting depth, since a read can reach another
 // tree through a listener or an overridden set.
-template <class Stream>
+template <class Stream, class Buf>
 class StreamLease {
 public:
     StreamLease()
     {
         if (_depth == _pool.size())
-            _pool.push_back(std::make_unique<Stream>());
-        _stream = _pool[_depth++].get();
-        _stream->clear();
-        _stream->flags(std::ios_base::skipws | std::ios_base::dec);
-        _stream->precision(6);
-        _stream->width(0);
-        _stream->fill(' ');
-        _stream->str(std::string());
+            _pool.push_back(std::make_unique<Slot>());
+        _slot = _pool[_depth++].get();
+        Stream& s = _slot->stream;
+        s.clear();
+        s.flags(std::ios_base::skipws | std::ios_base::dec);
+        s.precision(6);
+        s.width(0);
+        s.fill(' ');
     }
-    explicit StreamLease(const std::string& text) : StreamLease() { _stream->str(text); }
     ~StreamLease() { --_depth; }
     StreamLease(const StreamLease&) = delete;
     StreamLease& operator=(const StreamLease&) = delete;
 
-    Stream& operator*() const { return *_stream; }
-    Stream* operator->() const { return _stream; }
+    Stream& operator*() const { return _slot->stream; }
+    Stream* operator->() const { return &_slot->stream; }
+    Buf& buf() const { return _slot->buf; }
 
 private:
-    Stream* _stream;
-    static thread_local std::vector<std::unique_ptr<Stream>> _pool;
+    struct Slot {
+        Buf buf;
+        Stream stream{&buf};
+    };
+    Slot* _slot;
+    static thread_local std::vector<std::unique_ptr<Slot>> _pool;
     static thread_local size_t _depth;
 };
 
-template <class Stream>
-thread_local std::vector<std::unique_ptr<Stream>> StreamLease<Stream>::_pool;
-template <class Stream>
-thread_local size_t StreamLease<Stream>::_depth = 0;
+template <class Stream, class Buf>
+thread_local std::vector<std::unique_ptr<typename StreamLease<Stream, Buf>::Slot>> StreamLease<Stream, Buf>::_pool;
+template <class Stream, class Buf>
+thread_local size_t StreamLease<Stream, Buf>::_depth = 0;
 
-using InLease = StreamLease<std::istringstream>;
-using OutLease = StreamLease<std::ostringstream>;
+// Reads `text`.
+class InLease : public StreamLease<std::istream, TextBuf> {
+public:
+    explicit InLease(const std::string& text) { buf().set(text); }
+};
+
+// Collects what is written; text() is empty also when the stream failed, as tellp() would say.
+class OutLease : public StreamLease<std::ostream, SinkBuf> {
+public:
+    OutLease() { buf().text.clear(); }
+    bool empty() const { return (**this).fail() || buf().text.empty(); }
+    const std::string& text() const { return buf().text; }
+};
 
 // Reads text with a node's read or read_doctype, reporting what it wrote as an error.
 template <class Read>
@@ -58,8 +119,8 @@ bool read_reporting(Configurable& node, const std::string& text, XMLWriter& writ
     InLease in(text);
     OutLease err;
     read(*in, *err);
-    if (err->tellp() > 0)
-        node._error(err->str(), writer);
+    if (!err.empty())
+        node._error(err.text(), writer);
     return !in->fail();
 }
 
@@ -222,6 +283,15 @@ void Configurable::_error(const std::string& message, XMLWriter& writer)
 
 bool Configurable::_do_configure_string(const std::string& text, XMLWriter& writer, bool top_level)
 {
+    // Most text is a value and holds no query: it is then one STRING or DOCTYPE token, read here
+    // without taking it apart.
+    if (text.find("&query") == std::string::npos) {
+        if (top_level || text.empty())
+            return true;
+        if (text.size() >= 2 && text.front() == '{' && text.back() == '}')
+            return _read_doctype(text.substr(1, text.size() - 2), writer);
+        return _read(text, writer);
+    }
     XMLQueryStringParser tokens(text);
     for (;;) {
         switch (tokens.GetNextToken()) {
@@ -382,14 +452,14 @@ void Configurable::_write(XMLWriter& writer) const
 {
     OutLease out;
     write(*out);
-    _write_text(out->str(), writer);
+    _write_text(out.text(), writer);
 }
 
 void Configurable::_write_doctype(XMLWriter& writer) const
 {
     OutLease out;
     write_doctype(*out);
-    _write_text("{" + out->str() + "}", writer);
+    _write_text("{" + out.text() + "}", writer);
 }
 
 void Configurable::_write_changes(XMLWriter& writer) const
@@ -607,7 +677,7 @@ void ConfigurableAttributes::_write(XMLWriter& writer) const
         attribute->write(*out);
         if (!*out)
             return;
-        writer.write_string(out->tellp() > 0 ? out->str() : "&enabled;", true);
+        writer.write_string(!out.empty() ? out.text() : "&enabled;", true);
         return;
     }
     for (const Configurable* a : _items) {
@@ -615,8 +685,8 @@ void ConfigurableAttributes::_write(XMLWriter& writer) const
             continue;
         OutLease out;
         a->write(*out);
-        if (*out && out->tellp() > 0)
-            writer.WriteAttributeValuePair(a->name(), out->str());
+        if (!out.empty())
+            writer.WriteAttributeValuePair(a->name(), out.text());
         else
             writer.WriteAttribute(a->name());
     }
@@ -636,15 +706,15 @@ void ConfigurableAttributes::_write_doctype(XMLWriter& writer) const
             return;
         OutLease out;
         attribute->write_doctype(*out);
-        if (out->tellp() > 0)
-            writer.write_string("{" + out->str() + "}", true);
+        if (!out.empty())
+            writer.write_string("{" + out.text() + "}", true);
         return;
     }
     for (const Configurable* a : _items) {
         OutLease out;
         a->write_doctype(*out);
-        if (out->tellp() > 0)
-            writer.WriteAttributeValuePair(a->name(), "{" + out->str() + "}");
+        if (!out.empty())
+            writer.WriteAttributeValuePair(a->name(), "{" + out.text() + "}");
         else
             writer.WriteAttribute(a->name());
     }

@@ -2,17 +2,35 @@
 
 #include "xml/xml_reader.h"
 
-#include <iterator>
 
 XMLParser::XMLParser(std::istream& is) : _is(is)
 {
     // START_DOC twice: it is current before anything is read, and the first
     // GetNextToken delivers it as well.
-    auto start = _new_token();
-    start->type = START_DOC;
-    _history.push_back(start);
-    _history.push_back(start);
-    _curr = _mark = _history.begin();
+    _history.reserve(64);
+    TokenInfo& start = _new_token();
+    start.type = START_DOC;
+    _history.push_back(&start);
+    _go(0);
+}
+
+XMLParser::~XMLParser()
+{
+    // The first entry is the second one again.
+    for (std::size_t i = 1; i < _history.size(); ++i)
+        _history[i]->~TokenInfo();
+}
+
+XMLParser::TokenInfo& XMLParser::_new_token()
+{
+    if (_block_next == _block_end) {
+        constexpr std::size_t BLOCK = 32;
+        _block_next = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
+        _block_end = _block_next + BLOCK;
+    }
+    TokenInfo* tok = new (_block_next++) TokenInfo;
+    _history.push_back(tok);
+    return *tok;
 }
 
 XMLParser::TokenType XMLParser::GetNextToken()
@@ -24,8 +42,8 @@ XMLParser::TokenType XMLParser::GetNextToken()
 
 void XMLParser::PutBackToken()
 {
-    if (_curr != _history.begin())
-        --_curr;
+    if (_curr > 0)
+        _go(_curr - 1);
 }
 
 void XMLParser::RecoverFromError()
@@ -54,36 +72,31 @@ void XMLParser::RecoverFromError()
 
 XMLParser::TokenType XMLParser::_advance()
 {
-    if (std::next(_curr) == _history.end())
-        _history.push_back(_read_token());
-    ++_curr;
-    return (*_curr)->type;
+    if (_curr + 1 == _history.size())
+        _read_token();
+    _go(_curr + 1);
+    return _tok->type;
 }
 
-std::shared_ptr<XMLParser::TokenInfo> XMLParser::_new_token()
+void XMLParser::_read_token()
 {
-    return std::allocate_shared<TokenInfo>(std::pmr::polymorphic_allocator<TokenInfo>(&_arena));
-}
-
-std::shared_ptr<XMLParser::TokenInfo> XMLParser::_read_token()
-{
-    auto tok = _new_token();
-    if (_failed(*tok))
-        return tok;
-    XMLCharReader in(_is);
-    in.skip_ws();
-    if (_start_tag_open)
-        _read_inside_tag(in, *tok);
-    else
-        _read_outside_tag(in, *tok);
-    return tok;
+    TokenInfo& tok = _new_token();
+    _in.start();
+    if (!_failed(tok)) {
+        _in.skip_ws();
+        if (_start_tag_open)
+            _read_inside_tag(tok);
+        else
+            _read_outside_tag(tok);
+    }
+    _in.finish();
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const
 {
-    if (!_is.fail())
+    if (!_in.failed())
         return false;
-    tok.type = _is.eof() ? END_DOC : ERROR;
+    tok.type = _in.eof() ? END_DOC : ERROR;
     tok.text.clear();
     tok.value.clear();
     return true;
@@ -93,11 +106,12 @@ void XMLParser::_error(TokenInfo& tok, const char* message)
 {
     tok.type = ERROR;
     tok.text = message;
-    _is.setstate(std::ios::failbit);
+    _in.setstate(std::ios::failbit);
 }
 
-void XMLParser::_read_outside_tag(XMLCharReader& in, TokenInfo& tok)
+void XMLParser::_read_outside_tag(TokenInfo& tok)
 {
+    XMLCharReader& in = _in;
     // Processing instructions, comments and declarations yield no tokens.
     int c;
     for (;;) {
@@ -144,7 +158,7 @@ void XMLParser::_read_outside_tag(XMLCharReader& in, TokenInfo& tok)
                 return;
             }
             tok.type = START_ELEMENT;
-            _open_element = tok.text;
+            _open_element = &tok;
             _start_tag_open = true;
         } else {
             in.read_name(tok.text);
@@ -166,8 +180,9 @@ void XMLParser::_read_outside_tag(XMLCharReader& in, TokenInfo& tok)
     }
 }
 
-void XMLParser::_read_inside_tag(XMLCharReader& in, TokenInfo& tok)
+void XMLParser::_read_inside_tag(TokenInfo& tok)
 {
+    XMLCharReader& in = _in;
     int c = in.get();
     if (_failed(tok))
         return;
@@ -176,7 +191,7 @@ void XMLParser::_read_inside_tag(XMLCharReader& in, TokenInfo& tok)
         // The bracket has no token of its own; no white space is skipped, so
         // that between ">" and "<" comes out as an empty STRING.
         _start_tag_open = false;
-        _read_outside_tag(in, tok);
+        _read_outside_tag(tok);
         break;
     case '<':
         _error(tok, "Cannot start new element inside start tag");
@@ -188,7 +203,7 @@ void XMLParser::_read_inside_tag(XMLCharReader& in, TokenInfo& tok)
         if (c == '>') {
             _start_tag_open = false;
             tok.type = END_ELEMENT;
-            tok.text = _open_element;
+            tok.text = _open_element->text;
         } else {
             _error(tok, "Invalid XML tag end sequence");
         }

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <cstddef>
+#include <new>
 #include <istream>
-#include <list>
-#include <memory>
 #include <memory_resource>
 #include <string>
+#include <vector>
 
-class XMLCharReader;
+#include "xml/xml_reader.h"
 
 // Pull tokenizer of the instruments' configuration language. Deliberately
 // lenient: unquoted attribute values, entities as attribute names and text
@@ -31,20 +32,23 @@ public:
 
     // The stream's state bits belong to the parser from now on.
     explicit XMLParser(std::istream& is);
+    ~XMLParser();
+    XMLParser(const XMLParser&) = delete;
+    XMLParser& operator=(const XMLParser&) = delete;
 
     // Moves on by one token and returns its type; replays stored tokens
     // before reading new ones. Returns ERROR again while the current token
     // is an error. The first call yields START_DOC.
     TokenType GetNextToken();
-    TokenType GetCurrToken() const { return (*_curr)->type; }
-    const std::string& GetTokenString() const { return (*_curr)->text; }
-    const std::string& GetTokenValue() const { return (*_curr)->value; }
+    TokenType GetCurrToken() const { return _tok->type; }
+    const std::string& GetTokenString() const { return _tok->text; }
+    const std::string& GetTokenValue() const { return _tok->value; }
 
     // Steps back one token (not before the first).
     void PutBackToken();
     void MarkCurrToken() { _mark = _curr; }
     // Returns to the marked token; what followed it is replayed.
-    void GotoMarkedToken() { _curr = _mark; }
+    void GotoMarkedToken() { _go(_mark); }
 
     // Clears the stream state and skips to the end tag of the element the
     // parser stands in (or to END_DOC), passing over further errors. Also
@@ -57,24 +61,33 @@ private:
         std::string text;
         std::string value;
     };
-    using History = std::pmr::list<std::shared_ptr<TokenInfo>>;
-
+    void _go(std::size_t index)
+    {
+        _curr = index;
+        _tok = _history[index];
+    }
     TokenType _advance();
-    std::shared_ptr<TokenInfo> _new_token();
-    std::shared_ptr<TokenInfo> _read_token();
-    void _read_outside_tag(XMLCharReader& in, TokenInfo& tok);
-    void _read_inside_tag(XMLCharReader& in, TokenInfo& tok);
+    TokenInfo& _new_token();
+    void _read_token();
+    void _read_outside_tag(TokenInfo& tok);
+    void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;
     void _error(TokenInfo& tok, const char* message);
 
     std::istream& _is;
-    // Tokens are never freed before the parser: one arena spares a malloc
-    // and a free for each token and list entry.
-    std::pmr::monotonic_buffer_resource _arena;
-    History _history{&_arena};
-    History::iterator _curr;
-    History::iterator _mark;
-    std::string _open_element;
+    XMLCharReader _in{_is};
+    // Tokens are never freed before the parser: an arena, which covers a
+    // short message without a malloc, holds them in blocks, so that they
+    // (and the strings handed out) stay in place. The history refers to them.
+    std::byte _initial[4096];
+    std::pmr::monotonic_buffer_resource _arena{_initial, sizeof _initial};
+    std::pmr::vector<TokenInfo*> _history{&_arena};
+    TokenInfo* _block_next = nullptr;
+    TokenInfo* _block_end = nullptr;
+    std::size_t _curr = 0;
+    std::size_t _mark = 0;
+    const TokenInfo* _tok = nullptr;
+    const TokenInfo* _open_element = nullptr; // whose start tag is open
     bool _start_tag_open = false;
 };
 

@@ -5,38 +5,105 @@
 #include <istream>
 #include <string>
 
-// Single-character reads straight from the stream buffer. Each operation
+// Character classes of the C locale; bytes above 127 belong to none. A
+// table, since the scanners ask for every byte.
+namespace xml_class {
+enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16 };
+
+struct Table {
+    unsigned char bits[256] = {};
+    constexpr Table()
+    {
+        for (int c = '\t'; c <= '\r'; ++c)
+            bits[c] = SPACE;
+        bits[' '] = SPACE;
+        for (int c = 'a'; c <= 'z'; ++c)
+            bits[c] = bits[c - 'a' + 'A'] = NAME_START | NAME;
+        for (int c = '0'; c <= '9'; ++c)
+            bits[c] = DIGIT | NAME;
+        bits['&'] = NAME_START | STOP;
+        bits[':'] = bits['_'] = NAME_START | NAME;
+        bits['-'] = bits['.'] = bits[';'] = NAME;
+        bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
+    }
+};
+inline constexpr Table table{};
+
+inline bool is(int c, unsigned char bit)
+{
+    return c >= 0 && (table.bits[c] & bit);
+}
+} // namespace xml_class
+
+inline bool xml_is_space(int c)
+{
+    return xml_class::is(c, xml_class::SPACE);
+}
+inline bool xml_is_digit(int c)
+{
+    return xml_class::is(c, xml_class::DIGIT);
+}
+inline bool xml_name_start(int c)
+{
+    return xml_class::is(c, xml_class::NAME_START);
+}
+inline bool xml_name_char(int c)
+{
+    return xml_class::is(c, xml_class::NAME);
+}
+
+// Reads straight from the stream buffer's get area, so that names and text
+// are scanned and appended in runs rather than byte by byte. Each operation
 // leaves the stream's state bits as istream::get(), unget() and std::ws
-// would, without their per-character sentry cost. Nothing else may change
-// the stream's state while a reader is in use: it keeps its own copy.
+// would. Between start() and finish() nothing else may touch the stream:
+// the reader keeps its own copy of the state and of the read position.
+// finish() hands the position back; the next start() takes the stream as it
+// then is, so a parser keeps one reader and brackets each token with them.
 class XMLCharReader {
 public:
     static constexpr int END = std::istream::traits_type::eof();
 
-    explicit XMLCharReader(std::istream& is);
+    // Not started; see start().
+    explicit XMLCharReader(std::istream& is) : _is(is) {}
+    ~XMLCharReader() { finish(); }
+    XMLCharReader(const XMLCharReader&) = delete;
+    XMLCharReader& operator=(const XMLCharReader&) = delete;
+
+    void start();
+    void finish();
+
+    // The stream's state as the reads so far left it.
+    bool failed() const { return _state & (std::ios::failbit | std::ios::badbit); }
+    bool eof() const { return _state & std::ios::eofbit; }
+    void setstate(std::ios::iostate bits)
+    {
+        _state |= bits;
+        _is.setstate(bits);
+    }
 
     // The next byte, or END with failbit (and eofbit at the end) set.
     int get()
     {
-        if (!_good) {
-            _is.setstate(std::ios::failbit);
-            return END;
-        }
-        int c = _sb->sbumpc();
-        if (c == END)
-            _fail(std::ios::eofbit | std::ios::failbit);
-        return c;
+        if (_p != _end)
+            return static_cast<unsigned char>(*_p++);
+        return _get_slow();
     }
 
     // Puts back the byte that the last successful get() returned.
     void unget()
     {
-        if (_sb->sungetc() == END)
-            _fail(std::ios::badbit);
+        if (_p != _begin && !_local)
+            --_p;
+        else
+            _unget_slow();
     }
 
     // Skips white space; the end of input sets eofbit only.
-    void skip_ws();
+    void skip_ws()
+    {
+        if (_p == _end || _state != std::ios::goodbit || xml_is_space(static_cast<unsigned char>(*_p)))
+            _skip_ws_slow();
+    }
 
     // The XMLName reading rules; `out` is cleared first.
     void read_name(std::string& out);
@@ -44,38 +111,78 @@ public:
     void read_string(std::string& out);
 
 private:
-    void _fail(std::ios::iostate bits)
-    {
-        _is.setstate(bits);
-        _good = false;
-    }
+    bool _good() const { return _state == std::ios::goodbit; }
+    void _skip_ws_slow();
+    // Makes bytes available, or fails the stream as get() does at the end.
+    bool _more();
+    int _get_slow();
+    void _unget_slow();
+    // Makes bytes available; false at the end of input (no state bits set).
+    bool _refill();
+    // Hands the read position back to the stream buffer and forgets the window.
+    void _release();
     void _read_quoted(std::string& out, int quote);
-    void _read_unquoted(std::string& out, int c);
+    void _read_unquoted(std::string& out);
     void _read_entity(std::string& out);
 
     std::istream& _is;
-    std::streambuf* _sb;
-    bool _good; // the stream's good(), without going through the virtual base
+    std::streambuf* _sb = nullptr;
+    std::ios::iostate _state = std::ios::goodbit;
+    // The window [_begin, _end) is the buffer's get area, read up to _p; or,
+    // for a buffer without a get area, the one byte in _one.
+    const char* _begin = nullptr;
+    const char* _p = nullptr;
+    const char* _end = nullptr;
+    bool _local = false;
+    char _one = 0;
 };
 
-// Character classes of the C locale; bytes above 127 belong to none.
-inline bool xml_is_space(int c)
+
+// The number of leading bytes of `name` that XMLName writes: none unless it starts like a name,
+// then up to the first byte that can't be in one, or through a ";".
+inline std::size_t xml_name_length(const std::string& name)
 {
-    return c == ' ' || (c >= '\t' && c <= '\r');
+    if (name.empty() || !xml_name_start(static_cast<unsigned char>(name[0])))
+        return 0;
+    std::size_t n = 1;
+    while (n < name.size() && name[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(name[n])))
+        ++n;
+    return n;
 }
-inline bool xml_is_alpha(int c)
+
+// XMLString's escaping: hands plain runs of `text` to run(const char*, size_t) and the entity of
+// each escaped byte to entity(const char*). An "&" that opens a complete entity stays as it is.
+template <class Run, class Entity>
+void xml_escape(const std::string& text, Run run, Entity entity)
 {
-    return static_cast<unsigned>((c | 0x20) - 'a') < 26u;
-}
-inline bool xml_is_digit(int c)
-{
-    return static_cast<unsigned>(c - '0') < 10u;
-}
-inline bool xml_name_start(int c)
-{
-    return xml_is_alpha(c) || c == '&' || c == ':' || c == '_';
-}
-inline bool xml_name_char(int c)
-{
-    return xml_is_alpha(c) || xml_is_digit(c) || c == '-' || c == '.' || c == ':' || c == ';' || c == '_';
+    auto entity_follows = [&text](std::size_t amp) {
+        for (std::size_t i = amp + 1; i < text.size(); ++i) {
+            const char c = text[i];
+            if (c == ';')
+                return i > amp + 1;
+            if (xml_is_space(static_cast<unsigned char>(c)) || c == '"' || c == '&' || c == '\'' || c == '<' || c == '>')
+                return false;
+        }
+        return false;
+    };
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char* esc;
+        switch (text[i]) {
+        case '"': esc = "&quot;"; break;
+        case '\'': esc = "&apos;"; break;
+        case '<': esc = "&lt;"; break;
+        case '>': esc = "&gt;"; break;
+        case '&':
+            if (entity_follows(i))
+                continue;
+            esc = "&amp;";
+            break;
+        default: continue;
+        }
+        run(text.data() + done, i - done);
+        entity(esc);
+        done = i + 1;
+    }
+    run(text.data() + done, text.size() - done);
 }

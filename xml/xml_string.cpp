@@ -2,33 +2,130 @@
 
 #include "xml/xml_reader.h"
 
+#include "foundation/streambuf_areas.h"
+
 #include <ostream>
 #include <string_view>
 
-XMLCharReader::XMLCharReader(std::istream& is) : _is(is), _sb(is.rdbuf()), _good(is.good())
+using GetArea = StreamGetArea;
+
+void XMLCharReader::start()
 {
-    // istream's sentry does this before every read.
-    if (_good && is.tie())
-        is.tie()->flush();
+    _state = _is.rdstate();
+    std::streambuf* sb = _is.rdbuf();
+    // A window kept from the last token stays good while the buffer is where it was left.
+    if (!sb || sb != _sb || _local || GetArea::next(*sb) != _p || GetArea::end(*sb) != _end) {
+        _sb = sb;
+        _begin = _p = _end = nullptr;
+        _local = false;
+    }
 }
 
-void XMLCharReader::skip_ws()
+void XMLCharReader::finish()
 {
-    if (!_good) {
-        _is.setstate(std::ios::failbit);
+    if (_local)
+        _release();
+    else if (_p)
+        GetArea::bump(*_sb, static_cast<int>(_p - GetArea::next(*_sb)));
+}
+
+bool XMLCharReader::_refill()
+{
+    _release();
+    // istream's sentry flushes the tied stream before it reads.
+    if (std::ostream* tie = _is.tie())
+        tie->flush();
+    if (!_sb || _sb->sgetc() == END)
+        return false;
+    char* next = GetArea::next(*_sb);
+    char* end = GetArea::end(*_sb);
+    if (next && next < end) {
+        _begin = GetArea::begin(*_sb);
+        _p = next;
+        _end = end;
+        return true;
+    }
+    // A buffer without a get area hands out one byte at a time.
+    _one = static_cast<char>(_sb->sbumpc());
+    _local = true;
+    _begin = _p = &_one;
+    _end = &_one + 1;
+    return true;
+}
+
+void XMLCharReader::_release()
+{
+    if (_local) {
+        _local = false;
+        if (_p == _begin && _sb->sputbackc(_one) == END)
+            setstate(std::ios::badbit);
+    } else if (_p) {
+        GetArea::bump(*_sb, static_cast<int>(_p - GetArea::next(*_sb)));
+    }
+    _begin = _p = _end = nullptr;
+}
+
+bool XMLCharReader::_more()
+{
+    if (!_good()) {
+        setstate(std::ios::failbit);
+        return false;
+    }
+    if (!_refill()) {
+        setstate(std::ios::eofbit | std::ios::failbit);
+        return false;
+    }
+    return true;
+}
+
+int XMLCharReader::_get_slow()
+{
+    return _more() ? static_cast<unsigned char>(*_p++) : END;
+}
+
+void XMLCharReader::_unget_slow()
+{
+    if (_local && _p != _begin) {
+        --_p;
+        return;
+    }
+    _release();
+    if (!_sb || _sb->sungetc() == END)
+        setstate(std::ios::badbit);
+}
+
+void XMLCharReader::_skip_ws_slow()
+{
+    if (!_good()) {
+        setstate(std::ios::failbit);
         return;
     }
     for (;;) {
-        int c = _sb->sgetc();
-        if (c == END) {
-            _fail(std::ios::eofbit);
+        while (_p != _end && xml_is_space(static_cast<unsigned char>(*_p)))
+            ++_p;
+        if (_p != _end)
+            return;
+        if (!_refill()) {
+            setstate(std::ios::eofbit);
             return;
         }
-        if (!xml_is_space(c))
-            return;
-        _sb->sbumpc();
     }
 }
+
+namespace {
+
+void append_run(std::string& out, const char* from, const char* to)
+{
+    if (from != to)
+        out.append(from, static_cast<std::size_t>(to - from));
+}
+
+} // namespace
+
+// The scanners below take bytes in runs [run, _p) and append a run when it
+// ends, when an entity interrupts it or when the window runs out. A byte
+// that ends a name or a string is looked at and left in place, which is
+// what a get() followed by unget() would do.
 
 void XMLCharReader::read_name(std::string& out)
 {
@@ -40,16 +137,24 @@ void XMLCharReader::read_name(std::string& out)
         unget();
         return;
     }
-    out += static_cast<char>(c);
-    while (c != ';') {
-        c = get();
-        if (c == END)
-            return;
-        if (!xml_name_char(c)) {
-            unget();
-            return;
+    const char* run = _p - 1;
+    for (;;) {
+        while (_p != _end) {
+            const char ch = *_p;
+            if (!xml_name_char(static_cast<unsigned char>(ch))) {
+                append_run(out, run, _p);
+                return;
+            }
+            ++_p;
+            if (ch == ';') {
+                append_run(out, run, _p);
+                return;
+            }
         }
-        out += static_cast<char>(c);
+        append_run(out, run, _p);
+        if (!_more())
+            return;
+        run = _p;
     }
 }
 
@@ -60,52 +165,75 @@ void XMLCharReader::read_string(std::string& out)
     int c = get();
     if (c == END)
         return;
-    if (c == '"' || c == '\'')
+    if (c == '"' || c == '\'') {
         _read_quoted(out, c);
-    else if (c == '<' || c == '>')
-        unget();
-    else
-        _read_unquoted(out, c);
+        return;
+    }
+    unget();
+    if (c != '<' && c != '>')
+        _read_unquoted(out);
 }
 
 void XMLCharReader::_read_quoted(std::string& out, int quote)
 {
+    const char* run = _p;
     for (;;) {
-        int c = get();
-        if (c == END || c == quote)
-            return;
-        if (c == '<' || c == '>') {
-            unget();
+        if (_p == _end) {
+            append_run(out, run, _p);
+            if (!_more())
+                return;
+            run = _p;
+        }
+        const unsigned char c = static_cast<unsigned char>(*_p);
+        if (!(xml_class::table.bits[c] & xml_class::STOP)) {
+            ++_p;
+            continue;
+        }
+        if (c == quote) {
+            append_run(out, run, _p++);
             return;
         }
-        if (c == '&')
+        if (c == '<' || c == '>') {
+            append_run(out, run, _p);
+            return;
+        }
+        ++_p;
+        if (c == '&') {
+            append_run(out, run, _p - 1);
             _read_entity(out);
-        else
-            out += static_cast<char>(c);
+            run = _p;
+        }
     }
 }
 
-void XMLCharReader::_read_unquoted(std::string& out, int c)
+void XMLCharReader::_read_unquoted(std::string& out)
 {
-    // White space goes in at once but counts only once a later byte follows.
-    std::size_t kept = 0;
+    // White space goes in with its run but counts only once a later byte follows.
+    std::size_t kept = out.size();
+    const char* run = _p;
     for (;;) {
-        if (c == '"' || c == '\'' || c == '<' || c == '>') {
-            unget();
-            break;
+        if (_p == _end) {
+            append_run(out, run, _p);
+            if (!_more())
+                break;
+            run = _p;
         }
-        if (xml_is_space(c)) {
-            out += static_cast<char>(c);
-        } else {
-            if (c == '&')
-                _read_entity(out);
-            else
-                out += static_cast<char>(c);
+        const unsigned char c = static_cast<unsigned char>(*_p);
+        const unsigned char bits = xml_class::table.bits[c];
+        if (bits & xml_class::STOP) {
+            if (c != '&') {
+                append_run(out, run, _p);
+                break;
+            }
+            append_run(out, run, _p++);
+            _read_entity(out);
             kept = out.size();
+            run = _p;
+        } else {
+            ++_p;
+            if (!(bits & xml_class::SPACE))
+                kept = out.size() + static_cast<std::size_t>(_p - run);
         }
-        c = get();
-        if (c == END)
-            break;
     }
     out.resize(kept);
 }
@@ -142,42 +270,16 @@ void XMLCharReader::_read_entity(std::string& out)
 
 void XMLString::_read(std::istream& is)
 {
-    XMLCharReader(is).read_string(_value);
+    XMLCharReader in(is);
+    in.start();
+    in.read_string(_value);
 }
 
 void XMLString::_write(std::ostream& os) const
 {
-    // An "&" that opens a complete entity goes out as it is.
-    auto entity_follows = [this](std::size_t amp) {
-        for (std::size_t i = amp + 1; i < _value.size(); ++i) {
-            char c = _value[i];
-            if (c == ';')
-                return i > amp + 1;
-            if (xml_is_space(static_cast<unsigned char>(c)) || c == '"' || c == '&' || c == '\'' || c == '<' || c == '>')
-                return false;
-        }
-        return false;
-    };
-    std::size_t done = 0;
-    for (std::size_t i = 0; i < _value.size(); ++i) {
-        const char* esc;
-        switch (_value[i]) {
-        case '"': esc = "&quot;"; break;
-        case '\'': esc = "&apos;"; break;
-        case '<': esc = "&lt;"; break;
-        case '>': esc = "&gt;"; break;
-        case '&':
-            if (entity_follows(i))
-                continue;
-            esc = "&amp;";
-            break;
-        default: continue;
-        }
-        os.write(_value.data() + done, static_cast<std::streamsize>(i - done));
-        os << esc;
-        done = i + 1;
-    }
-    os.write(_value.data() + done, static_cast<std::streamsize>(_value.size() - done));
+    xml_escape(
+        _value, [&os](const char* s, std::size_t n) { os.write(s, static_cast<std::streamsize>(n)); },
+        [&os](const char* entity) { os << entity; });
 }
 
 std::istream& operator>>(std::istream& is, XMLString& s)
@@ -194,16 +296,12 @@ std::ostream& operator<<(std::ostream& os, const XMLString& s)
 
 void XMLName::_read(std::istream& is)
 {
-    XMLCharReader(is).read_name(_value);
+    XMLCharReader in(is);
+    in.start();
+    in.read_name(_value);
 }
 
 void XMLName::_write(std::ostream& os) const
 {
-    std::size_t n = 0;
-    if (!_value.empty() && xml_name_start(static_cast<unsigned char>(_value[0]))) {
-        n = 1;
-        while (n < _value.size() && _value[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(_value[n])))
-            ++n;
-    }
-    os.write(_value.data(), static_cast<std::streamsize>(n));
+    os.write(_value.data(), static_cast<std::streamsize>(xml_name_length(_value)));
 }

@@ -1,8 +1,64 @@
 #include "xml/xml_writer.h"
 
+#include "foundation/streambuf_areas.h"
+#include "xml/xml_reader.h"
 #include "xml/xml_string.h"
 
+#include <cstring>
 #include <ostream>
+
+namespace {
+
+// A stream in its plain state (good, no field width, nothing tied) takes the pieces of a reply
+// straight into its buffer, which is all that operator<< and write() would do with them, less a
+// sentry for every piece. Any other stream gets them through those operators.
+bool plain(std::ostream& os)
+{
+    return os.rdstate() == std::ios_base::goodbit && os.width() == 0 && !os.tie();
+}
+
+inline void put(std::ostream& os, const char* s, std::size_t n)
+{
+    std::streambuf& sb = *os.rdbuf();
+    char* to = StreamPutArea::next(sb);
+    if (to && static_cast<std::size_t>(StreamPutArea::end(sb) - to) >= n) {
+        std::memcpy(to, s, n);
+        StreamPutArea::bump(sb, static_cast<int>(n));
+    } else if (sb.sputn(s, static_cast<std::streamsize>(n)) != static_cast<std::streamsize>(n)) {
+        os.setstate(std::ios_base::badbit);
+    }
+}
+
+// A literal, so that its length is known where it is copied.
+template <std::size_t N>
+void put_markup(std::ostream& os, const char (&s)[N])
+{
+    if (plain(os))
+        put(os, s, N - 1);
+    else
+        os << s;
+}
+
+void put_name(std::ostream& os, const std::string& name)
+{
+    if (plain(os))
+        put(os, name.data(), xml_name_length(name));
+    else
+        os << XMLName(name);
+}
+
+void put_text(std::ostream& os, const std::string& text)
+{
+    if (!plain(os)) {
+        os << XMLString(text);
+        return;
+    }
+    xml_escape(
+        text, [&os](const char* s, std::size_t n) { put(os, s, n); },
+        [&os](const char* entity) { put(os, entity, std::strlen(entity)); });
+}
+
+} // namespace
 
 XMLWriter::XMLWriter(std::ostream& os, bool formatted) : _os(os), _formatted(formatted) {}
 
@@ -30,7 +86,8 @@ void XMLWriter::WriteStartElement(const std::string& name)
     if (name.empty())
         return;
     write_indent();
-    _os << '<' << XMLName(name);
+    put_markup(_os, "<");
+    put_name(_os, name);
     inc_indent();
     _start_tag_open = true;
     _separator_due = true;
@@ -43,7 +100,7 @@ void XMLWriter::WriteEndElement(const std::string& name)
     // layout of existing documents follows from this.
     dec_indent();
     if (_start_tag_open) {
-        _os << "/>";
+        put_markup(_os, "/>");
         _start_tag_open = false;
     } else if (name.empty()) {
         _end_tag_on_line = false;
@@ -51,7 +108,9 @@ void XMLWriter::WriteEndElement(const std::string& name)
     } else {
         if (!_end_tag_on_line)
             write_indent();
-        _os << "</" << XMLName(name) << '>';
+        put_markup(_os, "</");
+        put_name(_os, name);
+        put_markup(_os, ">");
     }
     _separator_due = false;
     _end_tag_on_line = false;
@@ -69,7 +128,9 @@ void XMLWriter::WriteAttributeValuePair(const std::string& name, const std::stri
     if (name.empty())
         return;
     _write_name(name);
-    _os << "=\"" << XMLString(value) << '"';
+    put_markup(_os, "=\"");
+    put_text(_os, value);
+    put_markup(_os, "\"");
 }
 
 void XMLWriter::write_string(const std::string& text, bool escape)
@@ -79,9 +140,11 @@ void XMLWriter::write_string(const std::string& text, bool escape)
     if (_start_tag_open)
         _close_start_tag();
     else if (_separator_due)
-        _os << ' ';
+        put_markup(_os, " ");
     if (escape)
-        _os << XMLString(text);
+        put_text(_os, text);
+    else if (plain(_os))
+        put(_os, text.data(), text.size());
     else
         _os << text;
     _separator_due = true;
@@ -100,7 +163,7 @@ void XMLWriter::_close_start_tag()
 {
     if (!_start_tag_open)
         return;
-    _os << '>';
+    put_markup(_os, ">");
     _start_tag_open = false;
     _separator_due = false;
 }
@@ -108,7 +171,7 @@ void XMLWriter::_close_start_tag()
 void XMLWriter::_write_name(const std::string& name)
 {
     if (_separator_due)
-        _os << ' ';
-    _os << XMLName(name);
+        put_markup(_os, " ");
+    put_name(_os, name);
     _separator_due = true;
 }

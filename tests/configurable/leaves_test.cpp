@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "test_tree.h"
+#include "xml/xml_writer.h"
 
 namespace {
 
@@ -79,6 +80,56 @@ TEST(Leaves, UnreadableNumbersLeaveTheOldValue)
     }
     ConfigurableDouble d("d", 1);
     EXPECT_EQ(read_into(d, "x").error, "unable to read double");
+}
+
+// Text from a message is read through the framework's own buffer, where plain numbers and words skip
+// the locale's parsers: every form must come out as a read from any other stream gives it.
+TEST(Leaves, MessageReadsAgreeWithStreamReads)
+{
+    const char* texts[] = {
+        "12.5", " 12.5 ", "-0", "007", "12.", "1e", "1e5", "+5", "-", ".5", "1.5abc", "12 34",
+        "3.4028236e38", "340282360000000000000000000000000000000", "0.00000000000000000000000000000000000000000001",
+        "99999999999999999999", "-9223372036854775808", "4.35", "0.1", "inf", "junk",
+        "true", " false ", "true false", "truest", "",
+    };
+    for (const char* text : texts) {
+        ConfigurableFloat f1("f", 1), f2("f", 1);
+        ConfigurableDouble d1("d", 1), d2("d", 1);
+        ConfigurableInteger i1("i", 1), i2("i", 1);
+        ConfigurableBool b1("b", false), b2("b", false);
+        for (auto [by_message, by_stream] :
+             {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2}, {&i1, &i2}, {&b1, &b2}}) {
+            std::ostringstream reply;
+            XMLWriter writer(reply, false);
+            const bool ok = by_message->_read(text, writer);
+            const ReadResult expected = read_into(*by_stream, text);
+            EXPECT_EQ(ok, !expected.failed) << text;
+            EXPECT_EQ(written(*by_message), written(*by_stream)) << text;
+            EXPECT_EQ(reply.str().empty(), expected.error.empty()) << text;
+        }
+        EXPECT_EQ(f1.get(), f2.get()) << text;
+        EXPECT_EQ(d1.get(), d2.get()) << text;
+    }
+}
+
+// Leaves print plain streams without the locale's printer: the text must be what operator<< gives.
+TEST(Leaves, PrintedAsTheStreamPrints)
+{
+    const double reals[] = {0.1, 1234567, 1e-5, -0.0, 0.1234, 123456.5, 999999.5, 3.4e38, 1e-40, 1e300,
+                            std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+                            std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()};
+    for (double value : reals) {
+        std::ostringstream f, d;
+        f << float(value);
+        d << value;
+        EXPECT_EQ(written(ConfigurableFloat("f", float(value))), f.str()) << value;
+        EXPECT_EQ(written(ConfigurableDouble("d", value)), d.str()) << value;
+    }
+    for (int64_t value : {int64_t(0), int64_t(-42), std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::max()}) {
+        std::ostringstream i;
+        i << value;
+        EXPECT_EQ(written(ConfigurableInteger("i", value)), i.str()) << value;
+    }
 }
 
 TEST(Leaves, RangeModes)

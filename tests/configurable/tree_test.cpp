@@ -149,3 +149,25 @@ TEST(Lists, DefaultsReachOnlyEnabledChildren)
 }
 
 }  // namespace
+
+// Lookups remember where they stopped and whether names are shared; both must follow the children.
+TEST(Composite, LookupsFollowTheChildren)
+{
+    ConfigurableComposite root("r");
+    ConfigurableFloat x("x", 1), y("y", 2), z("z", 3), y2("y", 4);
+    root.add(x);
+    root.add(y);
+    root.add(z);
+    for (const char* name : {"z", "x", "y", "y", "w", "x"}) {
+        Configurable* found = root.lookup(name);
+        EXPECT_EQ(found ? found->name() : "", std::string(name) == "w" ? "" : name);
+    }
+    root.lookup("z");
+    root.add(y2);  // now shared: the first y comes first, the second one next
+    auto first = root.lookup_first("y");
+    ASSERT_EQ(*first, &y);
+    auto next = root.lookup_next(first, "y");
+    ASSERT_EQ(*next, &y2);
+    EXPECT_EQ(root.lookup_next(next, "y"), root.children().end());
+    EXPECT_EQ(*root.lookup_next(root.children().begin(), "z"), &z);
+}

@@ -278,4 +278,69 @@ TEST(XMLParser, PutBackOntoErrorBlocksAgain)
     EXPECT_EQ(p.GetNextToken(), T::ERROR);
 }
 
+// Hands out its text a few bytes per refill, as a socket or a file does, or with no buffer at all
+// (chunk 0), one byte per call.
+class ChunkBuf : public std::streambuf {
+public:
+    ChunkBuf(std::string text, std::size_t chunk) : _text(std::move(text)), _chunk(chunk) {}
+
+protected:
+    int_type underflow() override
+    {
+        if (_chunk == 0)
+            return _pos < _text.size() ? traits_type::to_int_type(_text[_pos]) : traits_type::eof();
+        if (gptr() && gptr() < egptr())
+            return traits_type::to_int_type(*gptr());
+        const std::size_t pos = gptr() ? std::size_t(gptr() - _text.data()) : 0;
+        if (pos >= _text.size())
+            return traits_type::eof();
+        char* next = _text.data() + pos;
+        setg(_text.data(), next, next + std::min(_chunk, _text.size() - pos));
+        return traits_type::to_int_type(*next);
+    }
+    int_type uflow() override
+    {
+        if (_chunk != 0)
+            return std::streambuf::uflow();
+        return _pos < _text.size() ? traits_type::to_int_type(_text[_pos++]) : traits_type::eof();
+    }
+    int_type pbackfail(int_type c) override
+    {
+        if (_chunk != 0 || _pos == 0)
+            return traits_type::eof();
+        --_pos;
+        return traits_type::not_eof(c);
+    }
+
+private:
+    std::string _text;
+    std::size_t _chunk;
+    std::size_t _pos = 0;
+};
+
+TEST(XMLParser, TokensDoNotDependOnHowTheStreamIsBuffered)
+{
+    const char* texts[] = {
+        "<tagname attr1 attr2=\"attr value string\">string</tagname>",
+        "<?pi?><!--c--><a b='x &lt; y' c=1 d>t &amp; &query; u &junk</a>  trailing text  ",
+        "<badtag/ >just some junk",
+        "<r><s>&query_item;</s><t/></r> after",
+    };
+    for (const char* text : texts) {
+        std::istringstream whole(text);
+        XMLParser reference(whole);
+        const std::vector<Token> expected = read_all(reference);
+        for (std::size_t chunk : {1, 3, 0}) {
+            ChunkBuf buf(text, chunk);
+            std::istream is(&buf);
+            XMLParser p(is);
+            EXPECT_EQ(read_all(p), expected) << text << " in chunks of " << chunk;
+            EXPECT_EQ(is.rdstate(), whole.rdstate()) << text << " in chunks of " << chunk;
+        }
+    }
+    std::istream none(nullptr);
+    XMLParser p(none);
+    EXPECT_EQ(read_all(p), (std::vector<Token>{SD, ER("")}));
+}
+
 } // namespace
