@@ -50,29 +50,6 @@ TEST(Bremmel, FreshDocumentMatchesGoldenReplies)
     EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("bremmel_doctype.txt"));
 }
 
-TEST(Bremmel, BaudRatesAreClamped)
-{
-    struct Row {
-        const char* leaf;
-        const char* sent;
-        const char* stored;
-    } rows[] = {
-        {"sonicbaud", "0", "0"},
-        {"sonicbaud", "115200", "115200"},
-        {"sonicbaud", "115201", "115200"},
-        {"sonicbaud", "230400", "115200"},
-        {"gpsbaud", "-9600", "0"},
-        {"gpsbaud", "4800", "4800"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.leaf) + " " + row.sent);
-        DocBremmel doc;
-        const std::string leaf = row.leaf;
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">" + row.sent + "</" + leaf + "></cfg>")), "");
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">&query_item;</" + leaf + "></cfg>")), row.stored);
-    }
-}
-
 TEST(Bremmel, WatchWindowCommandsLastOneMessage)
 {
     const char* commands[] = {"logusbstart", "logusbstop", "ejectusb", "reboot"};
