@@ -114,17 +114,6 @@ TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
     EXPECT_EQ(log, (std::vector<std::string>{"first", "second", "second"}));
 }
 
-TEST(Bremmel, LabelMap)
-{
-    const auto& labels = ConfigBremmel::Labels();
-    EXPECT_EQ(labels.at("network"), "Network");
-    EXPECT_EQ(labels.at("cmd"), ":EXCLUDE:");
-    EXPECT_EQ(labels.at("clock"), ":EXCLUDE:");
-    // The logger's own settings show under their tags.
-    for (const char* tag : {"head", "sonicbaud", "gpsbaud", "gpstype", "output", "status", "dataclock"})
-        EXPECT_EQ(labels.count(tag), 0u) << tag;
-}
-
 // --- Ostrel ---
 
 TEST(Ostrel, FreshDocumentMatchesGoldenReplies)

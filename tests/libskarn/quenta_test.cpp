@@ -94,33 +94,4 @@ TEST(Quenta, LightSourceCommandsLastOneMessage)
     EXPECT_EQ(out.str(), "");
 }
 
-TEST(Quenta, LabelMap)
-{
-    const auto& labels = ConfigQuenta::Labels();
-    struct Row {
-        const char* key;
-        const char* label;  // null: no entry
-    } rows[] = {
-        {"cmd", ":EXCLUDE:"},
-        {"clock", ":EXCLUDE:"},
-        {"pump", ":EXCLUDE:"},
-        {"pump/high", "Pump - High"},
-        {"pump/minimum", "Pump - Minimum"},
-        {"u0", "ux0"},
-        {"u1", nullptr},
-        {"u2", nullptr},
-        {"zero", nullptr},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.key);
-        const auto it = labels.find(row.key);
-        if (!row.label)
-            EXPECT_EQ(it, labels.end());
-        else if (it == labels.end())
-            ADD_FAILURE() << "missing";
-        else
-            EXPECT_EQ(it->second, row.label);
-    }
-}
-
 }  // namespace

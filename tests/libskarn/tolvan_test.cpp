@@ -257,6 +257,38 @@ TEST(TolvanCalHistory, AMessageReplacesTheWholeList)
                                  "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
 }
 
+TEST(TolvanCalHistory, RecordsAreTheSameByTimeAlone)
+{
+    ConfigCalHistory history;
+    ConfigCalRecord& zero = add_record(history, 100, "CH4 Zero", 0.1f);
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(100), "CH4 Span", 9, 9)), &zero);
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(101), "CH4 Zero", 0.1f, 1)), nullptr);
+}
+
+TEST(TolvanCalHistory, CopiesCarryValuesAndName)
+{
+    ConfigCalRecord original("step");
+    original.Time().set(Timestamp(42));
+    original.Type().set("CH4 Span");
+    original.Ch4span().set(1.5f);
+    original._set_changed(false);
+    original.Ch4zero().set(0.5f);
+
+    ConfigCalRecord copy(original);
+    EXPECT_EQ(copy.name(), "step");
+    EXPECT_DOUBLE_EQ(copy.Time().get().get(), 42);
+    EXPECT_EQ(copy.Type().get(), "CH4 Span");
+    EXPECT_FLOAT_EQ(copy.Ch4zero().get(), 0.5f);
+    EXPECT_FLOAT_EQ(copy.Ch4span().get(), 1.5f);
+    EXPECT_TRUE(copy.Ch4zero().has_changed());
+    EXPECT_FALSE(copy.Ch4span().has_changed());
+
+    ConfigCalHistory a, b;
+    add_record(b, 7, "CH4 Zero", 0.7f);
+    a = b;
+    EXPECT_EQ(summary(a), summary(b));
+}
+
 // --- events ---
 
 /// Writes down every call as a line of text.
