@@ -131,6 +131,17 @@ TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
     EXPECT_EQ(other.txt, (Txt{{"company", "Arvex"}, {"model", ""}, {"ver", ""}}));
 }
 
+TEST_F(Panel, FourthHeaderIsBlankForAnUpdateProgram)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"/opt/arvex/sondar", "Log File"}, {"/opt/Arvex Update/sondar", " "},
+        {"C:\\UPDATES\\sondar.exe", " "}, {"/opt/updat/sondar", "Log File"}};
+    for (const auto& [program, header] : rows) {
+        Make(program);
+        EXPECT_EQ(Tree().headerItem()->text(3), header) << program;
+    }
+}
+
 TEST_F(Panel, TypeWordAndModelColumn)
 {
     const struct {
