@@ -16,6 +16,7 @@
 #include "app/externaldialog.h"
 #include "foundation/str_util.h"
 #include "link/connector.h"
+#include "watch/watchtolvandialog.h"
 
 namespace {
 
@@ -112,7 +113,8 @@ bool MyFrame::WindowRequest::operator==(const WindowRequest& other) const
            scope == other.scope && port == other.port && from_list == other.from_list;
 }
 
-MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::string& program_path)
+MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::string& program_path,
+                 const std::vector<NamedInstrument>& instruments)
     : QWidget(parent), _client(this)
 {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -186,6 +188,15 @@ MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::strin
 
     Browse();
     AddOtherHost();
+
+    std::vector<NamedInstrument> named;
+    std::vector<std::string> errors;
+    _doc.GetInstruments(named, errors);
+    for (const std::string& error : errors)
+        std::cerr << "sondar: " << DescriptionFilePath() << ": skipping <instrument> " << error << std::endl;
+    named.insert(named.end(), instruments.begin(), instruments.end());
+    for (const NamedInstrument& instrument : named)
+        AddNamedInstrument(instrument);
 }
 
 std::string MyFrame::DescriptionFilePath()
@@ -275,6 +286,12 @@ void MyFrame::AddOtherHost()
     address.Port(kOtherPort);
     AddService("Other...", "_arvex-other._tcp", "local.", 1, "other.local.", address,
                {{"company", "Arvex"}, {"model", ""}, {"ver", ""}});
+}
+
+void MyFrame::AddNamedInstrument(const NamedInstrument& instrument)
+{
+    AddService(instrument.name, instrument.ServiceType(), "local.", 0, instrument.address.Presentation(),
+               instrument.address, instrument.Txt());
 }
 
 void MyFrame::GetButtonList(std::vector<ButtonMarkup>& buttons) const
@@ -488,9 +505,21 @@ void MyFrame::ExecuteExternalCommand(unsigned index, const InstInfo& info)
     dialog->RunCmds();
 }
 
-void MyFrame::OpenInstrumentWindow(const WindowRequest& /*request*/) {}
-
-bool MyFrame::HasWindow(InstrumentWindow /*window*/)
+void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
 {
-    return false;
+    if (request.window != Window::WatchTolvan)
+        return;
+    auto* window = new WatchTolvanDialog(this, request.name, request.type);
+    connect(window, &WatchDialog::LogStatusChanged, this, &MyFrame::OnRefresh);
+    window->show();
+    // A connector that was on another address leaves it.
+    if (request.from_list && !request.address.empty() &&
+        !contains(window->GetConnector().ConnectedTo(), request.address))
+        window->Disconnect();
+    window->Connect(request.address, request.scope, request.port);
+}
+
+bool MyFrame::HasWindow(InstrumentWindow window)
+{
+    return window == Window::WatchTolvan;
 }
