@@ -183,6 +183,11 @@ void SimServer::_Reboot()
     }
     _clients.clear();
     _server.close();
+    // An instrument that reboots refuses connections. The port stays bound meanwhile, so that
+    // nobody takes it: on loopback a client that dials the port again and again would otherwise
+    // sooner or later be given it as its own local port and connect to itself.
+    if (!_held.bind(_address, _port, QAbstractSocket::ShareAddress | QAbstractSocket::ReuseAddressHint))
+        std::cerr << "sondar-sim: cannot hold the port while rebooting: " << _held.errorString().toStdString() << '\n';
     QTimer::singleShot(REBOOT_MS, this, [this] { _Restart(); });
 }
 
@@ -195,6 +200,7 @@ void SimServer::_Restart()
         QCoreApplication::exit(1);
         return;
     }
+    _held.abort();
     std::cerr << "sondar-sim: up again\n";
     _ticker.start();
 }

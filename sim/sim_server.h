@@ -6,12 +6,12 @@
 #include <QObject>
 #include <QString>
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
 
 #include <map>
 #include <string>
 
-class QTcpSocket;
 class SimInstrument;
 
 /// Serves one SimInstrument over TCP, paced by the Qt event loop.
@@ -20,8 +20,8 @@ class SimInstrument;
 /// alone, and what it changed goes to every client, as an instrument reports its changes. The
 /// data stream goes to every client; a new client gets the units and headers at once. A client
 /// that leaves too much unread, or sends a line without end, is dropped, so that it can neither
-/// hold up the others nor make the server grow. A reboot closes every client and keeps the port
-/// closed for a moment.
+/// hold up the others nor make the server grow. A reboot closes every client and, for a moment,
+/// refuses connections.
 class SimServer : public QObject {
 public:
     /// Bytes that may wait unsent to one client before it is dropped.
@@ -57,6 +57,7 @@ private:
 
     SimInstrument& _instrument;
     QTcpServer _server;
+    QTcpSocket _held;  ///< binds the port, not listening, while rebooting
     QTimer _ticker;
     QElapsedTimer _clock;
     const int _speed;

@@ -69,17 +69,6 @@ TEST_F(About, MissingFileGivesOneDefaultLine) {
     EXPECT_FALSE(text->toPlainText().contains('\n'));
 }
 
-TEST_F(About, CloseButtonHasFocusAndCloses) {
-    AboutDialog dialog(nullptr, "");
-    dialog.show();
-    auto* close = dialog.findChild<QPushButton*>();
-    ASSERT_NE(close, nullptr);
-    EXPECT_EQ(close->text(), "Close");
-    EXPECT_EQ(dialog.focusWidget(), close);
-    close->click();
-    EXPECT_FALSE(dialog.isVisible());
-}
-
 // The main window's About action finds the text beside the program it was started as.
 TEST_F(About, MainWindowReadsTheFileBesideTheProgram) {
     Write("sondar.license", "<p>beside the program</p>");

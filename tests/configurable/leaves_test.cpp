@@ -273,6 +273,7 @@ TEST(Leaves, TimesAndDates)
         EXPECT_EQ(type_text(*row.leaf), row.type);
     }
     EXPECT_EQ(time.get().get(), 3723);
+    EXPECT_EQ(hm.get().get(), 7 * 3600 + 5 * 60);  // seconds from midnight
     EXPECT_EQ(date.get().get(), 383788800);
 }
 

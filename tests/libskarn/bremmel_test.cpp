@@ -50,29 +50,6 @@ TEST(Bremmel, FreshDocumentMatchesGoldenReplies)
     EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("bremmel_doctype.txt"));
 }
 
-TEST(Bremmel, BaudRatesAreClamped)
-{
-    struct Row {
-        const char* leaf;
-        const char* sent;
-        const char* stored;
-    } rows[] = {
-        {"sonicbaud", "0", "0"},
-        {"sonicbaud", "115200", "115200"},
-        {"sonicbaud", "115201", "115200"},
-        {"sonicbaud", "230400", "115200"},
-        {"gpsbaud", "-9600", "0"},
-        {"gpsbaud", "4800", "4800"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.leaf) + " " + row.sent);
-        DocBremmel doc;
-        const std::string leaf = row.leaf;
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">" + row.sent + "</" + leaf + "></cfg>")), "");
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cfg><" + leaf + ">&query_item;</" + leaf + "></cfg>")), row.stored);
-    }
-}
-
 TEST(Bremmel, WatchWindowCommandsLastOneMessage)
 {
     const char* commands[] = {"logusbstart", "logusbstop", "ejectusb", "reboot"};
@@ -135,17 +112,6 @@ TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
     doc.RemoveListener("first");
     serve(doc, envelope("bremmel", "<cfg><head>sonic-1</head></cfg>"));
     EXPECT_EQ(log, (std::vector<std::string>{"first", "second", "second"}));
-}
-
-TEST(Bremmel, LabelMap)
-{
-    const auto& labels = ConfigBremmel::Labels();
-    EXPECT_EQ(labels.at("network"), "Network");
-    EXPECT_EQ(labels.at("cmd"), ":EXCLUDE:");
-    EXPECT_EQ(labels.at("clock"), ":EXCLUDE:");
-    // The logger's own settings show under their tags.
-    for (const char* tag : {"head", "sonicbaud", "gpsbaud", "gpstype", "output", "status", "dataclock"})
-        EXPECT_EQ(labels.count(tag), 0u) << tag;
 }
 
 // --- Ostrel ---

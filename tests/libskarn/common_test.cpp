@@ -141,32 +141,6 @@ TEST_F(Timezone, EmptyListIgnoresEverything)
 
 // --- Shared choices ---
 
-TEST(SharedChoices, OptionsAndDefaults)
-{
-    struct Row {
-        std::shared_ptr<Configurable> node;
-        const char* query;
-        const char* doctype;
-    } rows[] = {
-        {std::make_shared<ConfigAutoManual>("configuration", 1), "<configuration>manual</configuration>",
-         "<configuration>{auto|manual}</configuration>"},
-        {std::make_shared<ConfigControl>(), "<control>auto</control>", "<control>{auto|on|off}</control>"},
-        {std::make_shared<ConfigControl>("spin"), "<spin>auto</spin>", "<spin>{auto|on|off}</spin>"},
-        {std::make_shared<ConfigOnOffControl>("power", false), "<power>off</power>", "<power>{off|on}</power>"},
-        {std::make_shared<ConfigOnOffControl>("power", true), "<power>on</power>", "<power>{off|on}</power>"},
-        {std::make_shared<ConfigControlMode>("control", 2), "<control>setpoint</control>",
-         "<control>{off|percent|setpoint}</control>"},
-        {std::make_shared<ConfigCfgClockPTP>(), "<ptp>auto</ptp>", "<ptp>{auto|slaveonly|preferred}</ptp>"},
-        {std::make_shared<ConfigLightSourceMode>("control", 3), "<control>tracking</control>",
-         "<control>{off|percent|setpoint|tracking}</control>"},
-    };
-    for (Row& row : rows) {
-        SCOPED_TRACE(row.doctype);
-        EXPECT_EQ(query(*row.node), row.query);
-        EXPECT_EQ(query(*row.node, "&query_doctype;"), row.doctype);
-    }
-}
-
 TEST(SharedChoices, RateFollowsItsParallelIntegers)
 {
     static const std::vector<std::string> texts{"0", "1", "2", "5", "10"};
@@ -278,59 +252,6 @@ TEST(Clock, TimeDateChecksOnlyTheSeparators)
 
 // --- Light source ---
 
-TEST(LightSource, FreshSectionsAsTheTablesGiveThem)
-{
-    ConfigLightSource lightsource;
-    EXPECT_EQ(query(lightsource),
-              "<lightsource><control>off</control><Q_setpoint>0</Q_setpoint><D_percent/><color_mix/>"
-              "<transmittance>1</transmittance></lightsource>");
-    EXPECT_EQ(query(lightsource, "&query_doctype;"),
-              "<lightsource><control>{off|percent|setpoint|tracking}</control>"
-              "<Q_setpoint units=\"{string:µmol/m²/s}\">{float:0;0...3.40282e+38}</Q_setpoint>"
-              "<D_percent>{string}</D_percent><color_mix labels=\"{string}\">{string}</color_mix>"
-              "<transmittance>{float:1;0...1}</transmittance></lightsource>");
-
-    ConfigFactoryLightSource factory;
-    EXPECT_EQ(query(factory),
-              "<lightsource><id/><sn/><f/><u0/><u1/><u2/><kp>0.05</kp><ti>0.03</ti><rate>2</rate></lightsource>");
-    EXPECT_EQ(query(factory, "&query_doctype;"),
-              "<lightsource><id>{string}</id><sn>{string}</sn><f>{string}</f><u0>{string}</u0><u1>{string}</u1>"
-              "<u2>{string}</u2><kp>{float:0.05;0...3.40282e+38}</kp><ti>{float:0.03;0.001...3.40282e+38}</ti>"
-              "<rate units=\"{string:Hz}\">{integer:2;1...60}</rate></lightsource>");
-}
-
-TEST(LightSource, BoundsClampWithoutError)
-{
-    struct Row {
-        const char* message;
-        double (*value)(Root&);
-        double expected;
-    } rows[] = {
-        {"<L><lightsource><transmittance>1.5</transmittance></lightsource></L>",
-         [](Root& r) -> double { return r.lightsource.Transmittance().get(); }, 1},
-        {"<L><lightsource><transmittance>-0.2</transmittance></lightsource></L>",
-         [](Root& r) -> double { return r.lightsource.Transmittance().get(); }, 0},
-        {"<L><lightsource><Q_setpoint>-5</Q_setpoint></lightsource></L>",
-         [](Root& r) -> double { return r.lightsource.Q_setpoint().get(); }, 0},
-        {"<L><lightsource><Q_setpoint>inf</Q_setpoint></lightsource></L>",
-         [](Root& r) -> double { return r.lightsource.Q_setpoint().get(); }, std::numeric_limits<float>::max()},
-        {"<L><factory><lightsource><ti>0</ti></lightsource></factory></L>",
-         [](Root& r) -> double { return r.factory_lightsource.Ti().get(); }, 0.001f},
-        {"<L><factory><lightsource><kp>-1</kp></lightsource></factory></L>",
-         [](Root& r) -> double { return r.factory_lightsource.Kp().get(); }, 0},
-        {"<L><factory><lightsource><rate>0</rate></lightsource></factory></L>",
-         [](Root& r) -> double { return double(r.factory_lightsource.Rate().get()); }, 1},
-        {"<L><factory><lightsource><rate>61</rate></lightsource></factory></L>",
-         [](Root& r) -> double { return double(r.factory_lightsource.Rate().get()); }, 60},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.message);
-        Root root;
-        EXPECT_EQ(reply(root, row.message), "");
-        EXPECT_EQ(row.value(root), row.expected);
-    }
-}
-
 TEST(LightSource, LabelsAppearOnceTheInstrumentNamesThem)
 {
     ConfigLightSource lightsource;
@@ -341,21 +262,6 @@ TEST(LightSource, LabelsAppearOnceTheInstrumentNamesThem)
 }
 
 // --- Units ---
-
-TEST(Units, OneObjectPerPointerNotPerText)
-{
-    static const char hz[] = "Hz";
-    static const char also_hz[] = "Hz";
-    ConfigurableFloat a("a", 0), b("b", 0), c("c", 0);
-    AttachUnitsAttribute(a, hz);
-    AttachUnitsAttribute(b, hz);
-    AttachUnitsAttribute(c, also_hz);
-    Configurable* units_a = a.attributes()->_find("units");
-    ASSERT_NE(units_a, nullptr);
-    EXPECT_EQ(units_a, b.attributes()->_find("units"));
-    EXPECT_NE(units_a, c.attributes()->_find("units"));
-    EXPECT_NE(dynamic_cast<ConfigUnitsAttribute*>(units_a), nullptr);
-}
 
 TEST(Units, IncomingUnitsChangeNothing)
 {

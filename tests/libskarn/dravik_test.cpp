@@ -15,112 +15,12 @@ std::string query(Configurable& node, const std::string& path_open, const std::s
     return reply(node, "<arvex><dravik>" + path_open + "&query_item;" + path_close + "</dravik></arvex>");
 }
 
-std::string changes(const Configurable& node)
-{
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    node.changed(out);
-    return out.str();
-}
-
 TEST(DravikDocument, FreshDocumentMatchesGoldenReplies)
 {
     reset_zones();
     DocDravik doc;
     EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("dravik_query.txt"));
     EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("dravik_doctype.txt"));
-}
-
-TEST(DravikDocument, AckErrorAndTheSerialNumberView)
-{
-    DocDravik doc;
-    std::ostringstream ack;
-    Configurable::set_compact(ack, true);
-    doc.Ack(ack);
-    EXPECT_EQ(ack.str(), "<arvex><dravik><ack>true</ack></dravik></arvex>");
-    EXPECT_EQ(reply(doc, "<arvex><dravik><serialnumber>SKH-0001</serialnumber><ack>false</ack></dravik></arvex>"),
-              "");
-    EXPECT_TRUE(doc.Conf().Ack().get());
-    reply(doc, "<arvex><dravik><factory><serialnumber>SKH-0042</serialnumber></factory></dravik></arvex>");
-    EXPECT_EQ(query(doc, "<serialnumber>", "</serialnumber>"), "SKH-0042");
-}
-
-TEST(DravikLeaves, BoundsClampWithoutError)
-{
-    struct Row {
-        const char* open;
-        const char* close;
-        const char* sent;
-        const char* held;
-    } rows[] = {
-        // One control class serves quantities of very different scale.
-        {"<cfg><chamber_p>", "</chamber_p></cfg>", "<setpoint>1.5</setpoint>", "<setpoint>1</setpoint>"},
-        {"<cfg><flow>", "</flow></cfg>", "<setpoint>3000</setpoint>", "<setpoint>3000</setpoint>"},
-        {"<cfg><flow>", "</flow></cfg>", "<percent>-100</percent>", "<percent>-100</percent>"},
-        {"<cfg><co2>", "</co2></cfg>", "<percent>-1</percent>", "<percent>0</percent>"},
-        {"<cfg><mixingfan>", "</mixingfan></cfg>", "<setpoint>20001</setpoint>", "<setpoint>20000</setpoint>"},
-        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>-30</desiccant_percent>",
-         "<desiccant_percent>-30</desiccant_percent>"},
-        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>130</desiccant_percent>",
-         "<desiccant_percent>130</desiccant_percent>"},
-        {"<cfg><h2o>", "</h2o></cfg>", "<desiccant_percent>-30.5</desiccant_percent>",
-         "<desiccant_percent>-30</desiccant_percent>"},
-        {"<cfg><h2o>", "</h2o></cfg>", "<setpoint>101</setpoint>", "<setpoint>100</setpoint>"},
-        {"<cfg><match>", "</match></cfg>", "<percents>-101</percents>", "<percents>-100</percents>"},
-        {"<cfg><match>", "</match></cfg>", "<co2_adj>-1e6</co2_adj>", "<co2_adj>-1e+06</co2_adj>"},
-        {"<cfg><heatx>", "</heatx></cfg>", "<setpoint>61</setpoint>", "<setpoint>60</setpoint>"},
-        {"<cfg><auxpower>", "</auxpower></cfg>", "<volts>20</volts>", "<volts>19.9</volts>"},
-        {"<output>", "</output>", "<avgtime>10.5</avgtime>", "<avgtime>10</avgtime>"},
-        // Every factory controller's ti has a floor above the light source's.
-        {"<factory><flow>", "</flow></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
-        {"<factory><heatx>", "</heatx></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
-        {"<factory><co2r>", "</co2r></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
-        {"<factory><chopper_temp>", "</chopper_temp></factory>", "<ti>0.001</ti>", "<ti>0.00104167</ti>"},
-        {"<factory><lightsource>", "</lightsource></factory>", "<ti>0.001</ti>", "<ti>0.001</ti>"},
-        {"<factory><co2s>", "</co2s></factory>", "<td>-1</td>", "<td>0</td>"},
-        {"<factory><chopper_motor>", "</chopper_motor></factory>", "<kd>256</kd>", "<kd>256</kd>"},
-        {"<factory><chopper_motor>", "</chopper_motor></factory>", "<kd>256.5</kd>", "<kd>256</kd>"},
-        {"<factory>", "</factory>", "<source_b>1801</source_b>", "<source_b>1800</source_b>"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.sent);
-        DocDravik doc;
-        const std::string open = std::string("<arvex><dravik>") + row.open;
-        const std::string close = std::string(row.close) + "</dravik></arvex>";
-        EXPECT_EQ(reply(doc, open + row.sent + close), "");
-        std::string ask = row.held;
-        ask.replace(ask.find('>') + 1, ask.rfind('<') - ask.find('>') - 1, "&query;");
-        EXPECT_EQ(reply(doc, open + ask + close), open + row.held + close);
-    }
-}
-
-TEST(DravikLeaves, ChoicesTakeOnlyTheirOptions)
-{
-    struct Row {
-        const char* message;
-        const char* error;
-    } rows[] = {
-        {"<cfg><h2o><control>setpoint-humidifier-percent</control></h2o></cfg>", nullptr},
-        {"<cfg><co2><control>setpoint-humidifier-percent</control></co2></cfg>", "control"},
-        {"<cfg><co2><cell>sample</cell></co2></cfg>", nullptr},
-        {"<cfg><pump><speed>minimum</speed></pump></cfg>", nullptr},
-        {"<cfg><scrub><mode>manual</mode></scrub></cfg>", nullptr},
-        {"<cfg><scrub><mode>minimum</mode></scrub></cfg>", "mode"},
-        {"<cfg><heatx><control>leafavg</control></heatx></cfg>", nullptr},
-        {"<cfg><lightsource><control>tracking</control></lightsource></cfg>", nullptr},
-        {"<output><rate>10</rate></output>", nullptr},
-        {"<output><rate>20</rate></output>", "rate"},
-        {"<factory><chopper_temp><control>auto</control></chopper_temp></factory>", "control"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.message);
-        DocDravik doc;
-        const std::string answer = reply(doc, std::string("<arvex><dravik>") + row.message + "</dravik></arvex>");
-        if (row.error)
-            EXPECT_EQ(answer.find(std::string("<Error Param=\"") + row.error + "\">"), 0u) << answer;
-        else
-            EXPECT_EQ(answer, "");
-    }
 }
 
 TEST(DravikCfg, CellIsAChildOnlyOfCo2AndH2o)
@@ -135,31 +35,6 @@ TEST(DravikCfg, CellIsAChildOnlyOfCo2AndH2o)
     EXPECT_EQ(cfg.H2o().Cell().get_string(), "sample");
     EXPECT_EQ(cfg.Flow().children().size(), 3u);
     EXPECT_EQ(cfg.Co2().children().size(), 4u);
-}
-
-TEST(DravikOutput, RateStartsAtTwoHertz)
-{
-    DocDravik doc;
-    ConfigRate& rate = doc.Conf().Output().Rate();
-    EXPECT_EQ(query(doc, "<output><rate>", "</rate></output>"), "2");
-    EXPECT_EQ(rate.get_rate(), 2);
-    EXPECT_EQ(rate.rates(), (std::vector<int>{0, 1, 2, 5, 10}));
-    reply(doc, "<arvex><dravik><output><rate>0</rate></output></dravik></arvex>");
-    EXPECT_EQ(rate.get_rate(), 0);
-}
-
-TEST(DravikFactory, SectionsHoldTheirOwnDefaults)
-{
-    DocDravik doc;
-    ConfigFactoryDravik& factory = doc.Conf().Factory();
-    EXPECT_EQ(factory.Chopper_temp().Control().get_string(), "on");
-    EXPECT_EQ(factory.Heatx().children().size(), 3u);
-    EXPECT_EQ(factory.Flow().children().size(), 2u);
-    EXPECT_EQ(factory.Cal().name(), "cal");
-    EXPECT_EQ(factory.Cal().Type().get(), "Factory");
-    EXPECT_EQ(query(doc, "<factory><heatx>", "</heatx></factory>"),
-              "<kp>10</kp><ti>5</ti><gamma_tcm>false</gamma_tcm>");
-    EXPECT_EQ(query(doc, "<factory><h2os>", "</h2os></factory>"), "<kp>0.7</kp><ti>1</ti><td>0</td>");
 }
 
 TEST(DravikModel, IsConfigChangedCountsSettingsOnly)
@@ -191,43 +66,6 @@ TEST(DravikModel, IsConfigChangedCountsSettingsOnly)
         EXPECT_TRUE(doc.Conf().has_changed());
         EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
     }
-}
-
-TEST(DravikModel, CommandLinesOfTheDialogs)
-{
-    struct Row {
-        const char* line;
-        ConfigurableBool& (*command)(DocDravik&);
-    } rows[] = {
-        {"<arvex><dravik><cmd><co2azero>true</co2azero></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Co2azero(); }},
-        {"<arvex><dravik><cmd><h2obzero>true</h2obzero></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().H2obzero(); }},
-        {"<arvex><dravik><cal><h2oaspanconc2>21.5</h2oaspanconc2></cal><cmd><h2oaspan2>true</h2oaspan2></cmd>"
-         "</dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().H2oaspan2(); }},
-        {"<arvex><dravik><cmd><ssb_reset>true</ssb_reset></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Ssb_reset(); }},
-        {"<arvex><dravik><cmd><reboot>true</reboot></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Reboot(); }},
-        {"<arvex><dravik><cmd><disconnectlightsource>true</disconnectlightsource></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Disconnectlightsource(); }},
-        {"<arvex><dravik><cmd><poweron>true</poweron></cmd></dravik></arvex>\n",
-         [](DocDravik& d) -> ConfigurableBool& { return d.Conf().Cmd().Poweron(); }},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.line);
-        DocDravik doc;
-        doc._set_changed(false);
-        EXPECT_EQ(reply(doc, row.line), "");
-        EXPECT_TRUE(row.command(doc).get());
-        std::string expected = row.line;
-        expected.pop_back();
-        EXPECT_EQ(changes(doc), expected);
-    }
-    DocDravik doc;
-    reply(doc, rows[2].line);
-    EXPECT_EQ(doc.Conf().Cal().H2oaspanconc2().get(), 21.5f);
 }
 
 class Recorder : public ConfigurableListener {

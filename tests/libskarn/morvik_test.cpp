@@ -16,19 +16,6 @@ TEST(Morvik, FreshDocumentMatchesGoldenReplies)
     EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("morvik_doctype.txt"));
 }
 
-TEST(Morvik, AckAndError)
-{
-    DocMorvik doc;
-    std::ostringstream ack, error;
-    Configurable::set_compact(ack, true);
-    Configurable::set_compact(error, true);
-    doc.Ack(ack);
-    EXPECT_EQ(ack.str(), "<arvex><morvik><ack>true</ack></morvik></arvex>");
-    doc.Error(error, "no such thing");
-    EXPECT_EQ(error.str(), "<arvex><morvik><error>no such thing</error></morvik></arvex>");
-    EXPECT_EQ(reply(doc, "<arvex><morvik>&query;</morvik></arvex>").find("<error>"), std::string::npos);
-}
-
 TEST(Morvik, MessagesThatChangeNothing)
 {
     struct Row {
@@ -56,45 +43,6 @@ TEST(Morvik, MessagesThatChangeNothing)
         EXPECT_TRUE(doc.Conf().Ack().get());
         EXPECT_EQ(doc.Conf().Error().get(), "");
         EXPECT_EQ(doc.Conf().Factory().Serialnumber().get(), "ch4-base-XXXX");
-    }
-}
-
-TEST(Morvik, SerialNumberIsReadThroughTheFactorySection)
-{
-    DocMorvik doc;
-    EXPECT_EQ(reply(doc, "<arvex><morvik><serialnumber>&query;</serialnumber></morvik></arvex>"),
-              "<arvex><morvik><serialnumber>ch4-base-XXXX</serialnumber></morvik></arvex>");
-    reply(doc, "<arvex><morvik><factory><serialnumber>ch4-base-0042</serialnumber></factory></morvik></arvex>");
-    EXPECT_EQ(reply(doc, "<arvex><morvik><serialnumber>&query;</serialnumber></morvik></arvex>"),
-              "<arvex><morvik><serialnumber>ch4-base-0042</serialnumber></morvik></arvex>");
-}
-
-TEST(Morvik, CommandLinesOfTheDialogs)
-{
-    struct Row {
-        const char* line;
-        ConfigurableBool& (*command)(DocMorvik&);
-    } rows[] = {
-        {"<arvex><morvik><cmd><reboot>true</reboot></cmd></morvik></arvex>\n",
-         [](DocMorvik& d) -> ConfigurableBool& { return d.Conf().Cmd().Reboot(); }},
-        {"<arvex><morvik><factory><cmd><commit>true</commit></cmd></factory></morvik></arvex>\n",
-         [](DocMorvik& d) -> ConfigurableBool& { return d.Conf().Factory().Cmd().Commit(); }},
-        {"<arvex><morvik><factory><cmd><rollback>true</rollback></cmd></factory></morvik></arvex>\n",
-         [](DocMorvik& d) -> ConfigurableBool& { return d.Conf().Factory().Cmd().Rollback(); }},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.line);
-        DocMorvik doc;
-        doc._set_changed(false);
-        EXPECT_EQ(reply(doc, row.line), "");
-        EXPECT_TRUE(row.command(doc).get());
-        // The replica's changes are exactly the command: what the instrument would act on.
-        std::ostringstream changes;
-        Configurable::set_compact(changes, true);
-        doc.changed(changes);
-        std::string expected = row.line;
-        expected.pop_back();
-        EXPECT_EQ(changes.str(), expected);
     }
 }
 

@@ -19,45 +19,6 @@ TEST(Quenta, FreshDocumentMatchesGoldenReplies)
     EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("quenta_doctype.txt"));
 }
 
-TEST(Quenta, BoundsOfTheSettings)
-{
-    struct Row {
-        const char* path;
-        const char* sent;
-        const char* stored;
-    } rows[] = {
-        // The valves overshoot their physical 0 to 100 on purpose.
-        {"cfg/humidifier/percent", "-30", "-30"},
-        {"cfg/humidifier/percent", "130", "130"},
-        {"cfg/desiccant/percent", "-30.5", "-30"},
-        {"cfg/desiccant/percent", "131", "130"},
-        // The injector takes -1, just below its working range, and no less.
-        {"cfg/injector/co2_injector_percent", "-1", "-1"},
-        {"cfg/injector/co2_injector_percent", "-2", "-1"},
-        {"cfg/injector/co2_injector_percent", "100.5", "100"},
-        {"cfg/flow/pump_percent", "-1", "0"},
-        {"cfg/flow/humidity_pressure_percent", "101", "100"},
-        {"cfg/dacs/dac4", "-5.5", "-5"},
-        {"cfg/dacs/dac1", "4.99", "4.99"},
-        {"cfg/lightsource/transmittance", "1.2", "1"},
-        {"factory/pump/minimum/pressure_percent", "120", "100"},
-        // Each margin has its own range, whatever the others hold.
-        {"factory/humidifier/low", "194", "193"},
-        {"factory/humidifier/high", "450", "451"},
-        {"factory/desiccant/max", "300", "547"},
-        {"factory/desiccant/max", "645", "644"},
-        {"factory/lightsource/ti", "0", "0.001"},
-        {"factory/lightsource/rate", "61", "60"},
-        {"cal/zero", "-12345.5", "-12345.5"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.path) + " " + row.sent);
-        DocQuenta doc;
-        EXPECT_EQ(reply(doc, envelope("quenta", wrap(row.path, row.sent))), "");
-        EXPECT_EQ(reply(doc, envelope("quenta", wrap(row.path, "&query_item;"))), row.stored);
-    }
-}
-
 TEST(Quenta, Ch1PullupWorksUnderItsTagThoughTheLabelMissesIt)
 {
     CleanDoc doc;
@@ -81,17 +42,6 @@ TEST(Quenta, GpioPinsAreReachedByNumber)
     EXPECT_EQ(gpio.Io(3).get_string(), "input");
     EXPECT_THROW(gpio.Io(0), std::out_of_range);
     EXPECT_THROW(gpio.Io(9), std::out_of_range);
-}
-
-TEST(Quenta, TreeHasNoBoxNoHistoryAndAOneElementCal)
-{
-    CleanDoc doc;
-    EXPECT_EQ(reply(doc, envelope("quenta", "<box><output><status>true</status></output></box>"
-                                            "<history><record><type>x</type></record></history>"
-                                            "<cal><history/></cal><output><rate>5</rate></output>")),
-              "");
-    EXPECT_FALSE(doc.has_changed());
-    EXPECT_EQ(reply(doc, envelope("quenta", "<cal>&query;</cal>")), envelope("quenta", "<cal><zero>0</zero></cal>"));
 }
 
 TEST(Quenta, OnlySettingsCountAsConfigChanges)
@@ -142,35 +92,6 @@ TEST(Quenta, LightSourceCommandsLastOneMessage)
     EXPECT_FALSE(doc.Conf().Cmd().Connectlightsource().get());
     EXPECT_TRUE(doc.Conf().Cmd().Disconnectlightsource().get());
     EXPECT_EQ(out.str(), "");
-}
-
-TEST(Quenta, LabelMap)
-{
-    const auto& labels = ConfigQuenta::Labels();
-    struct Row {
-        const char* key;
-        const char* label;  // null: no entry
-    } rows[] = {
-        {"cmd", ":EXCLUDE:"},
-        {"clock", ":EXCLUDE:"},
-        {"pump", ":EXCLUDE:"},
-        {"pump/high", "Pump - High"},
-        {"pump/minimum", "Pump - Minimum"},
-        {"u0", "ux0"},
-        {"u1", nullptr},
-        {"u2", nullptr},
-        {"zero", nullptr},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.key);
-        const auto it = labels.find(row.key);
-        if (!row.label)
-            EXPECT_EQ(it, labels.end());
-        else if (it == labels.end())
-            ADD_FAILURE() << "missing";
-        else
-            EXPECT_EQ(it->second, row.label);
-    }
 }
 
 }  // namespace

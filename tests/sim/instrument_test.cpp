@@ -399,28 +399,4 @@ TEST(SimMorvik, StreamsDataAndStatusAtItsRate)
     EXPECT_EQ(link.VarNumeric("base:DATADIAG:HEADMISSING"), 0);
 }
 
-TEST(SimInstrument, OnlyTheKnownModels)
-{
-    EXPECT_EQ(SimInstrument::Make("quux", "x"), nullptr);
-    EXPECT_EQ(SimInstrument::Make("Tolvan", "x"), nullptr);
-    auto tolvan = SimInstrument::Make("tolvan", "x");
-    EXPECT_EQ(tolvan->DefaultPort(), 4410);
-    EXPECT_FALSE(tolvan->SetRate(3));
-    EXPECT_EQ(tolvan->Rate(), 40);
-    EXPECT_EQ(query_item(*tolvan, "tolvan", {"name"}), "x");
-
-    const struct {
-        const char* model;
-        int port;
-    } ports[] = {{"dravik", 4440}, {"quenta", 4450}, {"halden", 4430}, {"bremmel", 50111}, {"ostrel", 4460}};
-    for (const auto& p : ports) {
-        auto sim = SimInstrument::Make(p.model, "x");
-        ASSERT_NE(sim, nullptr) << p.model;
-        EXPECT_EQ(sim->DefaultPort(), p.port) << p.model;
-    }
-    // The Dravik's rates are those of its document; the others take any from 0 to 40.
-    EXPECT_FALSE(SimInstrument::Make("dravik", "x")->SetRate(20));
-    EXPECT_TRUE(SimInstrument::Make("halden", "x")->SetRate(20));
-}
-
 }  // namespace

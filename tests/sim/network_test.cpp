@@ -22,8 +22,6 @@
 
 namespace {
 
-const std::string ZERO = "<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n";
-
 // Writes down what a link hears: DATA times, arrival times, events.
 class Heard : public Connector::Listener {
 public:
@@ -101,7 +99,7 @@ TEST_F(SimNetwork, TheOpeningSequenceMirrorsTheDocument)
     }
 }
 
-TEST_F(SimNetwork, DataArriveAtTheRateWithGoodSums)
+TEST_F(SimNetwork, DataArriveAtTheRate)
 {
     SimProcess sim({"--model", "tolvan", "--name", "rate", "--rate", "10"});
     ASSERT_TRUE(sim.WaitListening());
@@ -113,25 +111,6 @@ TEST_F(SimNetwork, DataArriveAtTheRateWithGoodSums)
     for (size_t i = 1; i < heard.times.size(); ++i)
         EXPECT_NEAR(heard.times[i] - heard.times[i - 1], 0.1, 1e-6) << i;
     EXPECT_GE(heard.arrivals.back() - heard.arrivals.front(), 800);
-
-    // Every record of every kind has a good sum.
-    RawClient raw;
-    ASSERT_TRUE(raw.Connect(sim.port));
-    raw.Send("<arvex><tolvan><output><dataclocksync>true</dataclocksync></output><cmd><polltest>true</polltest>"
-             "</cmd></tolvan></arvex>\n");
-    int statuses = 0;
-    raw.WaitFor([&](const std::string& line) { return line.rfind("DATASTAT\t", 0) == 0 && ++statuses == 3; });
-    std::map<std::string, int> checked;
-    for (const std::string& line : raw.lines) {
-        const std::string name = fields(line)[0];
-        if (name == "DATA" || name == "DATASTAT" || name == "DATACLOCKSYNC" || name == "DATATEST" ||
-            name == "DATAR" || name == "DATAS" || name == "DATARDC" || name == "DATASDC") {
-            EXPECT_TRUE(Connector::VerifyCheckSum(line)) << line;
-            ++checked[name];
-        }
-    }
-    EXPECT_EQ(checked.size(), 8u);
-    EXPECT_EQ(checked["DATASTAT"], 3);
 }
 
 TEST_F(SimNetwork, AChangeFromOneReplicaReachesTheOther)
@@ -154,46 +133,6 @@ TEST_F(SimNetwork, AChangeFromOneReplicaReachesTheOther)
     // The instrument acts on it: the laser heads for the new set point.
     ASSERT_TRUE(QTest::qWaitFor([&] { return b->VarNumeric("shared-b:DATASTAT:LCTSET") == 31.5; }, TIMEOUT_MS));
     EXPECT_LT(b->VarNumeric("shared-b:DATASTAT:LCTACTUAL"), 31.5);
-}
-
-TEST_F(SimNetwork, AZeroComesBackAsAHistoryRecord)
-{
-    SimProcess sim({"--model", "tolvan", "--name", "zero"});
-    ASSERT_TRUE(sim.WaitListening());
-    Heard heard;
-    auto link = Link("zero", "tolvan", sim.port, heard);
-    ConfigCal& cal = link->Doc_Tolvan().Conf().Cal();
-    ASSERT_TRUE(cal.History().children().empty());
-
-    link->OnSendRawXML(ZERO);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !cal.History().children().empty(); }, TIMEOUT_MS));
-    ASSERT_EQ(cal.History().children().size(), 1u);
-    auto& record = static_cast<ConfigCalRecord&>(*cal.History().children().front());
-    EXPECT_EQ(record.Type().get(), "CH4 Zero");
-    EXPECT_EQ(record.Time().get().get(), cal.Ch4lastzero().get().get());
-    EXPECT_EQ(record.Ch4zero().get(), cal.Ch4zero().get());
-    EXPECT_NE(cal.Ch4zero().get(), 0.0f);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !heard.events.empty(); }, TIMEOUT_MS));
-    EXPECT_EQ(heard.events[0], "CH4ZERO");
-    EXPECT_EQ(link->Doc_Tolvan().Conf().Cmd().Ch4zero().get(), false);
-}
-
-TEST_F(SimNetwork, AKilledSimulatorLeavesTheReplicaIntact)
-{
-    SimProcess sim({"--model", "tolvan", "--name", "killed"});
-    ASSERT_TRUE(sim.WaitListening());
-    Heard heard;
-    auto link = Link("killed", "tolvan", sim.port, heard);
-    ASSERT_TRUE(heard.WaitForData(5));
-    const std::string replica = compact_query(link->Doc());
-    QSignalSpy disconnected(link.get(), &Connector::Disconnected);
-    sim.process.kill();
-    ASSERT_TRUE(disconnected.count() > 0 || disconnected.wait(TIMEOUT_MS));
-
-    EXPECT_EQ(compact_query(link->Doc()), replica);
-    EXPECT_NE(replica.find("<name>killed</name>"), std::string::npos);
-    EXPECT_FALSE(link->Header("DATAH").empty());
-    EXPECT_FALSE(link->VarStrings("DATA").empty());
 }
 
 TEST_F(SimNetwork, AClientThatDoesNotReadIsDropped)
@@ -265,19 +204,25 @@ TEST_F(SimNetwork, ARebootClosesEveryClientAndComesBack)
     ASSERT_FALSE(heard.events.empty());
     EXPECT_EQ(heard.events.back(), "REBOOT");
 
-    // Up again after a moment, with the headers for whoever comes. A client that comes while it is
-    // still down is closed again, and comes back.
-    RawClient next;
-    std::string header;
+    // While it reboots it refuses; whoever it does let in gets the headers.
+    const auto headers = [](RawClient& client) {
+        return client.WaitFor([](const std::string& line) { return line.rfind("DATAH\t", 0) == 0; }).substr(0, 10);
+    };
+    RawClient early;
+    early.socket.connectToHost(QHostAddress::LocalHost, quint16(sim.port));
     ASSERT_TRUE(QTest::qWaitFor([&] {
-        if (next.socket.state() == QAbstractSocket::UnconnectedState)
-            next.socket.connectToHost(QHostAddress::LocalHost, quint16(sim.port));
-        while (header.empty() && next.socket.canReadLine())
-            if (const std::string line = next.socket.readLine().toStdString(); line.rfind("DATAH\t", 0) == 0)
-                header = line;
-        return !header.empty();
+        return early.socket.state() == QAbstractSocket::UnconnectedState ||
+               early.socket.state() == QAbstractSocket::ConnectedState;
     }, TIMEOUT_MS));
-    EXPECT_EQ(header.substr(0, 10), "DATAH\tMSEC");
+    if (early.socket.state() == QAbstractSocket::ConnectedState)
+        EXPECT_EQ(headers(early), "DATAH\tMSEC");
+    else
+        EXPECT_EQ(early.socket.error(), QAbstractSocket::ConnectionRefusedError);
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sim.Log().contains("up again"); }, TIMEOUT_MS)) << sim.Log().toStdString();
+    RawClient next;
+    ASSERT_TRUE(next.Connect(sim.port));
+    EXPECT_EQ(headers(next), "DATAH\tMSEC");
 }
 
 TEST_F(SimNetwork, SignalsEndItCleanly)

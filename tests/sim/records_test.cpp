@@ -63,22 +63,4 @@ TEST(SimSpectrum, LinesStandOutOfAZeroBaseline)
     EXPECT_GT(own_lines, 0);
 }
 
-TEST(SimSpectrum, DumpCoversTheRangeInSteps)
-{
-    std::ostringstream out;
-    SimSpectrum::Dump(out);
-    const auto lines = split_lines(out.str());
-    ASSERT_EQ(lines.size(), 3031u);  // 0, 0.0165, ... 49.995
-    for (size_t i = 0; i < lines.size(); i += 97) {
-        const auto f = fields(lines[i]);
-        ASSERT_EQ(f.size(), 3u) << lines[i];
-        const double t = std::stod(f[0]);
-        EXPECT_NEAR(t, i * SimSpectrum::POINT_STEP, 1e-4);
-        EXPECT_NEAR(std::stod(f[1]), SimSpectrum::Sample(t), 1e-5);
-        EXPECT_NEAR(std::stod(f[2]), SimSpectrum::Reference(t), 1e-5);
-    }
-    EXPECT_EQ(fields(lines.front())[0], "0.0000");
-    EXPECT_LE(std::stod(fields(lines.back())[0]), SimSpectrum::HIGHEST);
-}
-
 }  // namespace

@@ -74,12 +74,4 @@ TEST(SimStdio, MorvikAndSarnelShareTheMorvikDocument)
     }
 }
 
-TEST(SimStdio, UnknownModelIsAUsageError)
-{
-    int status = 0;
-    auto lines = run_sim("--stdio --model quux", "", &status);
-    EXPECT_EQ(status, 2);
-    EXPECT_TRUE(lines.empty());
-}
-
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
 
@@ -56,98 +57,80 @@ TEST(XMLWriter, CompactDocument)
               "<ARVEX::tag31>this is tag31</ARVEX::tag31></tag3></tag2><tag4/>\n");
 }
 
-TEST(XMLWriter, CompactWritesNoLineFeedWithoutEndDoc)
+// Pieces written one after another, in either mode.
+TEST(XMLWriter, Pieces)
 {
-    std::ostringstream os;
-    XMLWriter w(os, false);
-    w.WriteStartElement("arvex");
-    w.WriteStartElement("dyn");
-    w.WriteEndElement("dyn");
-    w.WriteEndElement("arvex");
-    EXPECT_EQ(os.str(), "<arvex><dyn/></arvex>");
-}
-
-TEST(XMLWriter, FormattedStartsWithLineFeedWithoutStartDoc)
-{
-    std::ostringstream os;
-    XMLWriter w(os, true);
-    w.WriteStartElement("a");
-    w.WriteEndElement("a");
-    EXPECT_EQ(os.str(), "\n<a/>");
-}
-
-TEST(XMLWriter, StringsInARowAndAfterEndTags)
-{
-    std::ostringstream os;
-    XMLWriter w(os, false);
-    // Answers to several queries, each under a transparent root.
-    w.WriteStartElement("");
-    w.write_string("43.21", false);
-    w.WriteEndElement("");
-    w.WriteStartElement("");
-    w.write_string("", false); // writes nothing, changes nothing
-    w.write_string("9", false);
-    w.WriteEndElement("");
-    w.WriteStartElement("Error");
-    w.WriteAttributeValuePair("Param", "x y");
-    w.write_string("bad", true);
-    w.WriteEndElement("Error");
-    w.write_string("1234", false);
-    w.write_string("2.1", false);
-    EXPECT_EQ(os.str(), "43.21 9<Error Param=\"x y\">bad</Error>1234 2.1");
-}
-
-TEST(XMLWriter, EmptyNameIsTransparent)
-{
-    std::ostringstream os;
-    XMLWriter w(os, false);
-    w.WriteStartElement("");
-    w.WriteAttribute("");
-    w.WriteAttributeValuePair("", "v");
-    w.WriteStartElement("a");
-    w.WriteAttribute("");
-    w.write_string("1", false);
-    w.WriteEndElement("a");
-    w.WriteEndElement("");
-    EXPECT_EQ(os.str(), "<a>1</a>");
-}
-
-TEST(XMLWriter, EmptyNameEndStillTakesOffIndent)
-{
-    std::ostringstream os;
-    XMLWriter w(os, true);
-    w.WriteStartElement("outer");
-    w.WriteStartElement("");
-    w.WriteStartElement("in");
-    w.WriteEndElement("in");
-    w.WriteEndElement("");
-    w.WriteStartElement("in2");
-    w.WriteEndElement("in2");
-    w.WriteEndElement("outer");
-    EXPECT_EQ(os.str(), "\n<outer>\n\t<in/>\n<in2/>\n</outer>");
-}
-
-TEST(XMLWriter, IndentStopsAtZero)
-{
-    std::ostringstream os;
-    XMLWriter w(os, true);
-    for (int i = 0; i < 3; ++i)
-        w.WriteEndElement("");
-    w.WriteStartElement("a");
-    w.WriteStartElement("b");
-    EXPECT_EQ(os.str(), "\n<a>\n\t<b");
-}
-
-TEST(XMLWriter, NamesAreCutAndTextEscaped)
-{
-    std::ostringstream os;
-    XMLWriter w(os, false);
-    w.WriteStartElement("bad name");
-    w.WriteAttributeValuePair("q", "say \"hi\" & &query;");
-    w.write_string("a<b & &query;", true);
-    w.write_string("a<b", false);
-    w.WriteEndElement("bad name");
-    EXPECT_EQ(os.str(), "<bad q=\"say &quot;hi&quot; &amp; &query;\">a&lt;b &amp; &query; a<b</bad>");
+    const struct {
+        const char* what;
+        bool formatted;
+        std::function<void(XMLWriter&)> write;
+        const char* written;
+    } cases[] = {
+        {"compact: no line feed without end of document", false, [](XMLWriter& w) {
+             w.WriteStartElement("arvex");
+             w.WriteStartElement("dyn");
+             w.WriteEndElement("dyn");
+             w.WriteEndElement("arvex");
+         }, "<arvex><dyn/></arvex>"},
+        {"formatted: a line feed first without start of document", true, [](XMLWriter& w) {
+             w.WriteStartElement("a");
+             w.WriteEndElement("a");
+         }, "\n<a/>"},
+        {"answers to several queries, each under a transparent root", false, [](XMLWriter& w) {
+             w.WriteStartElement("");
+             w.write_string("43.21", false);
+             w.WriteEndElement("");
+             w.WriteStartElement("");
+             w.write_string("", false);  // writes nothing, changes nothing
+             w.write_string("9", false);
+             w.WriteEndElement("");
+             w.WriteStartElement("Error");
+             w.WriteAttributeValuePair("Param", "x y");
+             w.write_string("bad", true);
+             w.WriteEndElement("Error");
+             w.write_string("1234", false);
+             w.write_string("2.1", false);
+         }, "43.21 9<Error Param=\"x y\">bad</Error>1234 2.1"},
+        {"an empty name is transparent", false, [](XMLWriter& w) {
+             w.WriteStartElement("");
+             w.WriteAttribute("");
+             w.WriteAttributeValuePair("", "v");
+             w.WriteStartElement("a");
+             w.WriteAttribute("");
+             w.write_string("1", false);
+             w.WriteEndElement("a");
+             w.WriteEndElement("");
+         }, "<a>1</a>"},
+        {"the end of an empty name still takes off indent", true, [](XMLWriter& w) {
+             w.WriteStartElement("outer");
+             w.WriteStartElement("");
+             w.WriteStartElement("in");
+             w.WriteEndElement("in");
+             w.WriteEndElement("");
+             w.WriteStartElement("in2");
+             w.WriteEndElement("in2");
+             w.WriteEndElement("outer");
+         }, "\n<outer>\n\t<in/>\n<in2/>\n</outer>"},
+        {"indent stops at zero", true, [](XMLWriter& w) {
+             for (int i = 0; i < 3; ++i)
+                 w.WriteEndElement("");
+             w.WriteStartElement("a");
+             w.WriteStartElement("b");
+         }, "\n<a>\n\t<b"},
+        {"names are cut and text escaped", false, [](XMLWriter& w) {
+             w.WriteStartElement("bad name");
+             w.WriteAttributeValuePair("q", "say \"hi\" & &query;");
+             w.write_string("a<b & &query;", true);
+             w.write_string("a<b", false);
+             w.WriteEndElement("bad name");
+         }, "<bad q=\"say &quot;hi&quot; &amp; &query;\">a&lt;b &amp; &query; a<b</bad>"},
+    };
+    for (const auto& c : cases) {
+        std::ostringstream os;
+        XMLWriter w(os, c.formatted);
+        c.write(w);
+        EXPECT_EQ(os.str(), c.written) << c.what;
+    }
 }
 
 } // namespace
