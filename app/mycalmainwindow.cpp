@@ -1,10 +1,11 @@
 #include "app/mycalmainwindow.h"
 
 #include <QCloseEvent>
-#include <QLabel>
 #include <QSettings>
 
 #include "link/connector.h"
+#include "service/caladvanceddialog.h"
+#include "service/caltolvandialog.h"
 
 namespace {
 const char* const kOrganisation = "Arvex";
@@ -17,10 +18,13 @@ MyCalMainWindow::MyCalMainWindow(const std::string& /*title*/, const std::string
 {
     setWindowTitle(QString::fromStdString("Calibration Control Panel: " + _name));
 
-    auto* panel = new QLabel("Calibration controls are not available in this version.", this);
-    panel->setAlignment(Qt::AlignCenter);
-    panel->setMargin(24);
+    auto* panel = new CalTolvanDialog(this, _name, &_connector->Doc_Tolvan(), true);
     setCentralWidget(panel);
+    connect(panel, &CalTolvanDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+    connect(_connector.get(), &Connector::GotXMLChanges, panel, &CalTolvanDialog::OnXMLChanged);
+    connect(panel, &CalTolvanDialog::SendRawXML, _connector.get(), &Connector::OnSendRawXML);
+    connect(panel, &CalTolvanDialog::OnAdvancedClicked, this, &MyCalMainWindow::OnCalAdvancedClicked);
+    connect(panel, &CalTolvanDialog::OnCloseClicked, this, &QWidget::close);
 
     QSettings settings(kOrganisation, kApplication);
     restoreGeometry(settings.value("geometry").toByteArray());
@@ -36,6 +40,17 @@ void MyCalMainWindow::AddService(std::string name, std::string, std::string, uns
 {
     if (name == _name)
         _connector->Connect(address.Presentation(), static_cast<int>(address.Scope()), address.Port());
+}
+
+void MyCalMainWindow::OnCalAdvancedClicked()
+{
+    if (!_advanced) {
+        _advanced = new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan());
+        connect(_advanced, &CalAdvancedDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        connect(_advanced, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+        connect(_connector.get(), &Connector::GotXMLChanges, _advanced, &CalAdvancedDialog::OnXMLChanged);
+    }
+    _advanced->show();
 }
 
 void MyCalMainWindow::closeEvent(QCloseEvent* event)

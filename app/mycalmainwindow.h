@@ -9,12 +9,14 @@
 
 #include "discovery/bonjourclient.h"
 
+class CalAdvancedDialog;
 class Connector;
 class QCloseEvent;
 
-/// The window the program shows when started with "cal". It holds a share of the instrument's
-/// `Connector` (type "tolvan", whatever the instrument) under the instrument's name. Its geometry
-/// is kept under the settings "Arvex"/"sondar-cal", apart from the main window's.
+/// The window the program shows when started with "cal": the Tolvan's calibration panel alone,
+/// whose "Close" closes the program. It holds a share of the instrument's `Connector` (type
+/// "tolvan", whatever the instrument) under the instrument's name. Its geometry is kept under the
+/// settings "Arvex"/"sondar-cal", apart from the main window's.
 class MyCalMainWindow : public QMainWindow, public BonjourClientListener {
     Q_OBJECT
 public:
@@ -29,11 +31,16 @@ public:
                     std::string host, const SocketAddress& address,
                     const std::map<std::string, std::string>& txt) override;
 
+public slots:
+    /// Shows the advanced calibration dialog, made at the first call.
+    void OnCalAdvancedClicked();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     std::string _name;
     std::shared_ptr<Connector> _connector;
+    CalAdvancedDialog* _advanced = nullptr;
     BonjourClient _discovery;
 };

@@ -16,6 +16,12 @@
 #include "app/externaldialog.h"
 #include "foundation/str_util.h"
 #include "link/connector.h"
+#include "watch/configmorvikdialog.h"
+#include "watch/watchbremmeldialog.h"
+#include "watch/watchdravikdialog.h"
+#include "watch/watchhaldendialog.h"
+#include "watch/watchquentadialog.h"
+#include "watch/watchtolvandialog.h"
 
 namespace {
 
@@ -25,16 +31,15 @@ using Window = MyFrame::InstrumentWindow;
 struct KeywordButton {
     const char* caption;
     const char* text;
-    Window window;
     void (MyFrame::*slot)();
 };
 
 const KeywordButton kKeywordButtons[] = {
-    {"watch-tolvan", "Watch Tolvan", Window::WatchTolvan, &MyFrame::OnWatchTolvanButtonClicked},
-    {"watch-quenta", "Watch Quenta", Window::WatchQuenta, &MyFrame::OnWatchQuentaButtonClicked},
-    {"watch-dravik", "Watch Dravik", Window::WatchDravik, &MyFrame::OnWatchDravikButtonClicked},
-    {"watch-halden", "Watch Halden", Window::WatchHalden, &MyFrame::OnWatchHaldenButtonClicked},
-    {"config-morvik", "Config Pelsen", Window::ConfigMorvik, &MyFrame::OnConfigMorvikButtonClicked},
+    {"watch-tolvan", "Watch Tolvan", &MyFrame::OnWatchTolvanButtonClicked},
+    {"watch-quenta", "Watch Quenta", &MyFrame::OnWatchQuentaButtonClicked},
+    {"watch-dravik", "Watch Dravik", &MyFrame::OnWatchDravikButtonClicked},
+    {"watch-halden", "Watch Halden", &MyFrame::OnWatchHaldenButtonClicked},
+    {"config-morvik", "Config Pelsen", &MyFrame::OnConfigMorvikButtonClicked},
 };
 
 // A button with no commands of its own; the panel leaves it without action.
@@ -346,7 +351,7 @@ void MyFrame::OnSelectionChanged()
             // The label after the first word must be in the model the instrument announces.
             const std::string text = keyword->text;
             const std::string label = text.substr(text.find(' ') + 1);
-            if (!contains(txt_value(*info, "model"), label) || !HasWindow(keyword->window)) {
+            if (!contains(txt_value(*info, "model"), label)) {
                 button->setEnabled(false);
                 continue;
             }
@@ -488,9 +493,37 @@ void MyFrame::ExecuteExternalCommand(unsigned index, const InstInfo& info)
     dialog->RunCmds();
 }
 
-void MyFrame::OpenInstrumentWindow(const WindowRequest& /*request*/) {}
-
-bool MyFrame::HasWindow(InstrumentWindow /*window*/)
+void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
 {
-    return false;
+    if (request.window == Window::ConfigMorvik) {
+        auto* window = new ConfigMorvikDialog(this, request.name, request.type);
+        window->show();
+        window->Connect(request.address, request.scope, request.port);
+        return;
+    }
+    WatchDialog* window = nullptr;
+    switch (request.window) {
+    case Window::WatchQuenta:
+        window = new WatchQuentaDialog(this, request.name, request.type);
+        break;
+    case Window::WatchDravik:
+        window = new WatchDravikDialog(this, request.name, request.type);
+        break;
+    case Window::WatchHalden:
+        window = new WatchHaldenDialog(this, request.name, request.type);
+        break;
+    case Window::WatchBremmel:
+        window = new WatchBremmelDialog(this, request.name, request.type);
+        break;
+    default:
+        window = new WatchTolvanDialog(this, request.name, request.type);
+        break;
+    }
+    connect(window, &WatchDialog::LogStatusChanged, this, &MyFrame::OnRefresh);
+    window->show();
+    // A connector that was on another address leaves it.
+    if (request.from_list && !request.address.empty() &&
+        !contains(window->GetConnector().ConnectedTo(), request.address))
+        window->Disconnect();
+    window->Connect(request.address, request.scope, request.port);
 }

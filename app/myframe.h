@@ -147,11 +147,10 @@ public slots:
     void OnButtonClicked(unsigned index);
 
 protected:
-    /// The one way to a watch or configuration window. Those windows do not exist yet: nothing
-    /// opens, and the buttons that would lead here stay disabled (see HasWindow).
+    /// The one way to a watch or configuration window: makes it, joins a watch window's log state
+    /// to the list's log column, shows it and dials. A watch window opened from the list first
+    /// takes its connector off any other address; the Morvik configuration only dials.
     virtual void OpenInstrumentWindow(const WindowRequest& request);
-    /// Whether `window` can be opened; a button for a window that cannot stays disabled.
-    static bool HasWindow(InstrumentWindow window);
 
 private:
     /// Dials the selected instrument in `window`.

@@ -63,26 +63,24 @@ void SimBremmel::_SendData(double time)
     DataLine head("DATACH4");
     _AddClockStamp(head, time);
     head.AddFixed(methane, 4).AddFixed(_plant.SignalStrength(), 1);
-    _Send(line.Checked() + sonic.Checked() + head.Checked());
-}
-
-void SimBremmel::_SendStatus(double time)
-{
     DataLine gps("DATAGPS");
     _AddClockStamp(gps, time);
     gps.AddFixed(59.9139 + _plant.Noise(0.00001), 6)
         .AddFixed(10.7522 + _plant.Noise(0.00001), 6)
         .AddFixed(23.0 + _plant.Noise(0.5), 1)
         .AddInteger(9);
-    _Send(gps.Checked());
-    ConfigOutputBremmel& output = _doc.Conf().Output();
-    if (output.Status().get()) {
-        DataLine line("DATASTAT");
-        _AddClockStamp(line, time);
-        line.AddInteger(_Diagnostics()).AddFixed(12.2 + _plant.Noise(0.03), 2).AddInteger(_logging_usb ? 7340 : 7400);
-        _Send(line.Checked());
+    _Send(line.Checked() + sonic.Checked() + head.Checked() + gps.Checked());
+    if (_doc.Conf().Output().Status().get()) {
+        DataLine status("DATASTAT");
+        _AddClockStamp(status, time);
+        status.AddInteger(_Diagnostics()).AddFixed(12.2 + _plant.Noise(0.03), 2).AddInteger(_logging_usb ? 7340 : 7400);
+        _Send(status.Checked());
     }
-    if (output.Dataclock().get())
+}
+
+void SimBremmel::_SendStatus(double time)
+{
+    if (_doc.Conf().Output().Dataclock().get())
         _Send(DataLine("DATACLOCK").Add(_ClockText(time)).Plain());
 }
 

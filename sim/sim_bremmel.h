@@ -8,8 +8,9 @@
 #include "sim/sim_instrument.h"
 
 /// A Bremmel. At its rate (10 per second unless told otherwise) it sends DATA, with seconds and
-/// nanoseconds in its third and fourth fields, and the sonic's and the head's own records
-/// DATASONIC and DATACH4; once a second DATAGPS, and DATASTAT and DATACLOCK as `output` says.
+/// nanoseconds in its third and fourth fields, and in the same burst, with the same time, the
+/// sonic's and the head's own records DATASONIC and DATACH4, DATAGPS, and DATASTAT as `output`
+/// says; DATACLOCK once a second.
 /// The USB commands are told by events and show in the DIAG word.
 class SimBremmel : public SimInstrument {
 public:

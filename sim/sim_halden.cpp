@@ -1,5 +1,7 @@
 #include "sim/sim_halden.h"
 
+#include <QString>
+
 #include <cmath>
 
 namespace {
@@ -92,6 +94,21 @@ void SimHalden::_Apply(std::istream& in, std::ostream& out)
             _Trigger(WHEN_NOW);
         }
     }
+}
+
+std::string SimHalden::ServeText(const std::string& text)
+{
+    const std::string line = text.substr(0, text.find_last_not_of(" \t\r") + 1);
+    if (line.empty())
+        return "";
+    if (line == "clr") {
+        _console_lines = 0;
+        return "FPGA clr\n";
+    }
+    if (QString::fromStdString(line).compare("out", Qt::CaseInsensitive) == 0)
+        return "FPGA out " + std::to_string(_console_lines) + "\n";
+    ++_console_lines;
+    return "FPGA ok " + line + "\n";
 }
 
 void SimHalden::_Trigger(int when)

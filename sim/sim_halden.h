@@ -16,6 +16,11 @@
 /// captures `rawdatacapture`/`size` bytes, starting as `when` says: at once, at the next data
 /// record, flash or dark pulse; the capture goes out as DATAFLRAW lines while `datarawcapture`
 /// is set, RAW_BYTES_PER_STEP bytes at each step of time.
+///
+/// Its I/O logic has a text console on the same socket: every other line is written to the logic
+/// and answered "FPGA ok " and the line; "out" (in any case) answers "FPGA out " and the number of
+/// lines written since the last "clr", which answers "FPGA clr" and starts the count again.
+/// Empty lines get no answer. Answers begin with no record name, so a link passes them by.
 class SimHalden : public SimInstrument {
 public:
     /// Bytes of a raw capture compressed and sent at each step of time.
@@ -24,6 +29,7 @@ public:
     explicit SimHalden(const std::string& name);
 
     int DefaultPort() const override { return 4430; }
+    std::string ServeText(const std::string& line) override;
 
 private:
     Configurable& _Doc() override { return _doc; }
@@ -56,4 +62,5 @@ private:
     bool _red_modulation = true;
     bool _test_vector = false;
     int64_t _test_count = 0;
+    int64_t _console_lines = 0;
 };

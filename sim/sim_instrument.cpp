@@ -124,6 +124,13 @@ std::string SimInstrument::_LightSourceRecord(const ConfigLightSource& source, d
 
 void SimInstrument::_PowerUp(const std::string& name)
 {
+    if (ConfigCfgClock* clock = _Clock()) {
+        // The zones an instrument offers; its descriptor hands them to the clock dialog.
+        std::istringstream zones("UTC|Europe/London|Europe/Oslo|Europe/Berlin|America/New_York|America/Denver|"
+                                 "America/Los_Angeles|Asia/Tokyo|Australia/Sydney");
+        std::ostringstream ignored;
+        clock->Zone().read_doctype(zones, ignored);
+    }
     if (ConfigModel* model = _Model())
         model->Name().set(name);
     if (ConfigCfgNetwork* network = _Network())

@@ -56,6 +56,9 @@ public:
 
     /// Serves one message line, as described above.
     Served Serve(const std::string& message);
+    /// Answers one plain-text line (one that is not XML) for the sender alone: lines of text, or
+    /// "" for none. Only a model with a text console answers; the others ignore such lines.
+    virtual std::string ServeText(const std::string& /*line*/) { return ""; }
     /// The units and headers of the records now selected, one line each: a new client's first lines.
     std::string Headers() { return _Headers(); }
     /// Moves the instrument on to `now`, in seconds since it was made, and queues the records due.
@@ -99,8 +102,9 @@ protected:
     /// The model's part of a restart.
     virtual void _Restart() {}
 
-    /// Ends the construction of a subclass: gives the instrument and its network `name`; the state
-    /// it is then in is what power-up gives, committed, and nothing counts as changed.
+    /// Ends the construction of a subclass: gives the instrument and its network `name`, and its
+    /// clock the zones it offers; the state it is then in is what power-up gives, committed, and
+    /// nothing counts as changed.
     void _PowerUp(const std::string& name);
 
     void _Send(const std::string& line) { _lines += line; }

@@ -103,6 +103,9 @@ void SimServer::_ServePending(QTcpSocket* client)
             _Serve(client, pending.substr(start, end - start));
             if (!_clients.count(client))
                 return;  // dropped, or closed by a reboot
+        } else if (const std::string answer = _instrument.ServeText(pending.substr(start, end - start));
+                   !answer.empty() && !_Write(client, answer)) {
+            return;  // dropped
         }
         start = end + 1;
     }

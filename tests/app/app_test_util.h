@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFile>
+#include <QInputDialog>
+#include <QTimer>
 
+#include <functional>
 #include <string>
 
 #include "app/myframe.h"
@@ -33,3 +36,17 @@ public:
 private:
     QString _old_name, _path;
 };
+
+/// Answers the next input dialog with `answer` once it shows.
+inline void AnswerInputDialog(std::function<void(QInputDialog&)> answer)
+{
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [timer, answer] {
+        if (auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget())) {
+            timer->stop();
+            timer->deleteLater();
+            answer(*dialog);
+        }
+    });
+    timer->start(10);
+}

@@ -325,12 +325,12 @@ TEST_P(SimEveryModel, ClockAndNetworkSettingsAreKept)
     auto sim = make(GetParam());
     sim->Advance(12.34);
     sim->TakeLines();
-    auto served = sim->Serve(In("<cfg><clock><time>04:05:06</time><date>2031-02-03</date><ptp>slaveonly</ptp></clock>"
-                                "<network><ipaddress>10.1.2.3</ipaddress></network></cfg>"));
+    auto served = sim->Serve(In("<cfg><clock><time>04:05:06</time><date>2031-02-03</date><zone>Asia/Tokyo</zone>"
+                                "<ptp>slaveonly</ptp></clock><network><ipaddress>10.1.2.3</ipaddress></network></cfg>"));
     EXPECT_NE(served.changes.find("<time>04:05:06</time><date>2031-02-03</date>"), std::string::npos);
     EXPECT_NE(served.changes.find("<ipaddress>10.1.2.3</ipaddress>"), std::string::npos);
     const std::string events = sim->TakeLines();
-    EXPECT_EQ(records(events, "DATAEVENT").size(), 3u) << events;  // time, PTP, network
+    EXPECT_EQ(records(events, "DATAEVENT").size(), 4u) << events;  // time, zone, PTP, network
 
     // The clock runs on from the time it was given.
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "time"}), "04:05:06");
@@ -339,6 +339,7 @@ TEST_P(SimEveryModel, ClockAndNetworkSettingsAreKept)
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "time"}), "04:05:08");
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "date"}), "2031-02-03");
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "ptp"}), "slaveonly");
+    EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "zone"}), "Asia/Tokyo");
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "network", "ipaddress"}), "10.1.2.3");
 
     // A time that cannot be read leaves the clock running.

@@ -230,6 +230,19 @@ TEST_F(SimModelLink, Halden)
     EXPECT_EQ(record->DC0().get(), 0);
     EXPECT_TRUE(heard.WaitForEvent("ZEROPC0"));
     ExpectMirrored("fluor");
+
+    // The I/O console: text lines on the same socket, answered to their sender only.
+    RawClient console;
+    ASSERT_TRUE(console.Connect(sim->port));
+    console.Send("w 1 2\nOUT\n\nclr\nout\n");
+    auto answer = [&](const std::string& prefix) {
+        return console.WaitFor([&](const std::string& line) { return line.rfind("FPGA", 0) == 0; }) == prefix;
+    };
+    for (const char* expected : {"FPGA ok w 1 2\n", "FPGA out 1\n", "FPGA clr\n", "FPGA out 0\n"})
+        EXPECT_TRUE(answer(expected)) << expected;
+    link->OnSendRawXML("x\nout\n");
+    const size_t before = heard.data.size();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return heard.data.size() > before + 2; }, TIMEOUT_MS));
 }
 
 // Decodes the raw capture of a stream as the raw data window does: each line alone.

@@ -1,0 +1,128 @@
+#include "service/caladvanceddialog.h"
+
+#include <QBoxLayout>
+#include <QDateTimeEdit>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "libskarn/doctolvan.h"
+#include "service/leaftext.h"
+
+namespace {
+
+QDateTimeEdit* date_time_edit()
+{
+    auto* edit = new QDateTimeEdit;
+    edit->setDisplayFormat("yyyy-MM-dd hh:mm:ss");
+    return edit;
+}
+
+// The fields of the present moment in UTC; the editor would otherwise show them in local time.
+QDateTime utc_now()
+{
+    const QDateTime utc = QDateTime::currentDateTimeUtc();
+    return QDateTime(utc.date(), utc.time());
+}
+
+}  // namespace
+
+CalAdvancedDialog::CalAdvancedDialog(QWidget* parent, const std::string& name, DocTolvan* doc)
+    : QDialog(parent), _doc(doc)
+{
+    setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
+
+    _zero = new QLineEdit;
+    _zero_time = date_time_edit();
+    _span = new QLineEdit;
+    _span_gas = new QLineEdit;
+    _span_time = date_time_edit();
+    auto* zero_now = new QPushButton("Now");
+    auto* span_now = new QPushButton("Now");
+
+    auto* group = new QGroupBox("CH4 Calibration");
+    auto* grid = new QGridLayout(group);
+    grid->addWidget(new QLabel("Zero:"), 0, 0);
+    grid->addWidget(_zero, 0, 1);
+    grid->addWidget(new QLabel("Zero Time:"), 1, 0);
+    grid->addWidget(_zero_time, 1, 1);
+    grid->addWidget(zero_now, 1, 2);
+    grid->addWidget(new QLabel("Span:"), 2, 0);
+    grid->addWidget(_span, 2, 1);
+    grid->addWidget(new QLabel("Span Gas:"), 3, 0);
+    grid->addWidget(_span_gas, 3, 1);
+    grid->addWidget(new QLabel("ppm"), 3, 2);
+    grid->addWidget(new QLabel("Span Time:"), 4, 0);
+    grid->addWidget(_span_time, 4, 1);
+    grid->addWidget(span_now, 4, 2);
+
+    auto* buttons = new QHBoxLayout;
+    auto* refresh = new QPushButton("Refresh");
+    auto* apply = new QPushButton("Apply");
+    auto* close = new QPushButton("Close");
+    buttons->addStretch();
+    buttons->addWidget(refresh);
+    buttons->addWidget(apply);
+    buttons->addWidget(close);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(group);
+    layout->addLayout(buttons);
+
+    connect(zero_now, &QPushButton::clicked, this, &CalAdvancedDialog::OnCH4ZeroNow);
+    connect(span_now, &QPushButton::clicked, this, &CalAdvancedDialog::OnCH4SpanNow);
+    connect(refresh, &QPushButton::clicked, this, &CalAdvancedDialog::OnRefreshClicked);
+    connect(apply, &QPushButton::clicked, this, &CalAdvancedDialog::OnApplyClicked);
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+
+    _UpdateFromXML();
+}
+
+void CalAdvancedDialog::OnApplyClicked()
+{
+    _ApplyToXML();
+}
+
+void CalAdvancedDialog::OnRefreshClicked()
+{
+    _UpdateFromXML();
+}
+
+void CalAdvancedDialog::OnCH4ZeroNow()
+{
+    _zero_time->setDateTime(utc_now());
+}
+
+void CalAdvancedDialog::OnCH4SpanNow()
+{
+    _span_time->setDateTime(utc_now());
+}
+
+void CalAdvancedDialog::OnXMLChanged()
+{
+    _UpdateFromXML();
+}
+
+void CalAdvancedDialog::_UpdateFromXML()
+{
+    ConfigCal& cal = _doc->Conf().Cal();
+    _zero->setText(LeafText(cal.Ch4zero()));
+    _span->setText(LeafText(cal.Ch4span()));
+    _span_gas->setText(LeafText(cal.Ch4spanconc()));
+    _zero_time->setDateTime(DateTimeOf(cal.Ch4lastzero().get()));
+    _span_time->setDateTime(DateTimeOf(cal.Ch4lastspan().get()));
+}
+
+void CalAdvancedDialog::_ApplyToXML()
+{
+    ConfigCal& cal = _doc->Conf().Cal();
+    SetLeafFromText(cal.Ch4zero(), _zero->text());
+    SetLeafFromText(cal.Ch4span(), _span->text());
+    SetLeafFromText(cal.Ch4spanconc(), _span_gas->text());
+    cal.Ch4lastzero().set(TimestampOf(_zero_time->dateTime()));
+    cal.Ch4lastspan().set(TimestampOf(_span_time->dateTime()));
+    emit SendXMLChanges();
+    emit CalUpdated();
+}

@@ -1,0 +1,60 @@
+#pragma once
+// The calibration panel of a Tolvan: zero, span, commit, rollback and the history.
+
+#include <QDialog>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+class CalHistoryTree;
+class ConfigCalHistory;
+class DocTolvan;
+class QLabel;
+class QLineEdit;
+
+/// The rows of a Tolvan's history tree: time stamp, type, zero and span of every record; other
+/// children of the list are left out. In the order of the list.
+std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history);
+
+/// The calibration panel over the `cal` section of a Tolvan's document. The instrument does the
+/// calibration: the panel sends commands, and draws itself again from the document whenever the
+/// section comes back changed. It keeps no state of its own, so every button is always enabled.
+///
+/// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
+/// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged(), and OnAdvancedClicked()
+/// to the owner, who makes the CalAdvancedDialog.
+class CalTolvanDialog : public QDialog {
+    Q_OBJECT
+public:
+    /// `doc` is the connector's and outlives the panel. `standalone` makes the panel a plain widget
+    /// with a size grip, for the calibration main window.
+    CalTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc, bool standalone);
+
+signals:
+    void OnAdvancedClicked();
+    void SendXMLChanges();
+    void SendRawXML(std::string text);
+    /// "Close" was pressed (the panel also hides itself).
+    void OnCloseClicked();
+
+public slots:
+    void OnCH4ZeroClicked();
+    /// Sends the span gas exactly as typed, in the same message and before the span command.
+    void OnCH4SpanClicked();
+    void OnCommitClicked();
+    void OnRollbackClicked();
+    /// After the user confirms, keeps only the records of the last zero and the last span and sends
+    /// the history; the tree shows what the document holds once it is sent.
+    void OnClearHistoryClicked();
+    void OnXMLChanged();
+
+private:
+    void _UpdateFromXML();
+
+    DocTolvan* _doc;
+    QLabel* _last_zero;
+    QLabel* _last_span;
+    QLineEdit* _span_gas;
+    CalHistoryTree* _history;
+};

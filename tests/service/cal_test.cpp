@@ -1,0 +1,157 @@
+#include "service/caladvanceddialog.h"
+#include "service/caltolvandialog.h"
+
+#include <QDateTimeEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTreeWidget>
+
+#include "tests/service/wire.h"
+
+namespace {
+
+const std::string RECORD = "<record><time>%T</time><type>%Y</type><ch4zero>0.5</ch4zero><ch4span>1.25</ch4span></record>";
+
+std::string record(const std::string& time, const std::string& type)
+{
+    std::string text = RECORD;
+    text.replace(text.find("%T"), 2, time);
+    text.replace(text.find("%Y"), 2, type);
+    return text;
+}
+
+std::string cal(const std::string& body)
+{
+    return "<arvex><tolvan><cal>" + body + "</cal></tolvan></arvex>";
+}
+
+QStringList row(QTreeWidget* tree, int index)
+{
+    QStringList texts;
+    for (int column = 0; column < tree->columnCount(); ++column)
+        texts << tree->topLevelItem(index)->text(column);
+    return texts;
+}
+
+struct CommandCase {
+    const char* button;
+    const char* span_gas;
+    const char* line;
+};
+
+TEST(CalTolvanDialog, CommandsGoOutAsTypedSpanGasFirst)
+{
+    const CommandCase cases[] = {
+        {"Zero", "", "<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n"},
+        {"Span", "2.5", "<arvex><tolvan><cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
+        {"Span", "", "<arvex><tolvan><cal><ch4spanconc></ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
+        {"Span", " 1,50 µ", "<arvex><tolvan><cal><ch4spanconc> 1,50 µ</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
+        {"Commit", "", "<arvex><tolvan><cmd><calcommit>true</calcommit></cmd></tolvan></arvex>\n"},
+        {"Rollback", "", "<arvex><tolvan><cmd><calrollback>true</calrollback></cmd></tolvan></arvex>\n"},
+    };
+    Wire wire;
+    CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
+    wire.JoinRaw(&dialog);
+    EXPECT_EQ(dialog.windowTitle(), "Calibration Control Panel: bench");
+    for (const CommandCase& c : cases) {
+        dialog.findChild<QLineEdit*>()->setText(QString::fromUtf8(c.span_gas));
+        Click(&dialog, c.button);
+        EXPECT_EQ(wire.WaitFor([](const std::string& line) { return line.find("<cmd>") != std::string::npos; }), c.line);
+    }
+}
+
+TEST(CalTolvanDialog, DrawsLabelsHistoryAndSpanGasFromTheDocument)
+{
+    Wire wire;
+    CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
+    wire.JoinRaw(&dialog);
+    auto* tree = dialog.findChild<QTreeWidget*>();
+    auto* span_gas = dialog.findChild<QLineEdit*>();
+    EXPECT_EQ(tree->headerItem()->text(3), "CH4 Span");
+    EXPECT_FALSE(tree->rootIsDecorated());
+
+    span_gas->setText("7.25");  // being typed when the instrument's value comes
+    wire.Tell(cal("<ch4zero>0.012</ch4zero><ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4spanconc>3</ch4spanconc>"
+                  "<history>" + record("2026-01-03 08:00:00", "CH4 Span") + record("2026-01-01 09:30:00", "CH4 Zero") +
+                  record("2026-01-02 10:00:00", "CH4 Zero") + "</history>"));
+    EXPECT_EQ(span_gas->text(), "3.0");
+    QStringList labels;
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        labels << label->text();
+    EXPECT_TRUE(labels.contains("Last Zero: 0.012; 2026-01-02 10:00:00")) << labels.join("|").toStdString();
+    EXPECT_TRUE(labels.contains("Last Span: 1; 1989-01-01 00:00:00")) << labels.join("|").toStdString();
+
+    ASSERT_EQ(tree->topLevelItemCount(), 3);
+    EXPECT_EQ(row(tree, 0), QStringList({"2026-01-01 09:30:00", "CH4 Zero", "0.5", "1.25"}));
+    EXPECT_EQ(row(tree, 1)[0], "2026-01-02 10:00:00");
+    EXPECT_EQ(row(tree, 2)[0], "2026-01-03 08:00:00");
+    EXPECT_EQ(tree->topLevelItem(0)->textAlignment(1) & Qt::AlignRight, 0);
+    EXPECT_NE(tree->topLevelItem(0)->textAlignment(2) & Qt::AlignRight, 0);
+}
+
+TEST(CalTolvanDialog, HistoryRowsSkipChildrenThatAreNoRecords)
+{
+    ConfigCal cal;
+    cal.History().add(*new ConfigurableString("note", "x"));
+    EXPECT_TRUE(CalTolvanHistoryRows(cal.History()).empty());
+    cal.History().add(*new ConfigCalRecord(Timestamp(2026, 3, 4, 5, 6, 7), "CH4 Zero", 0.25f, 2));
+    const auto rows = CalTolvanHistoryRows(cal.History());
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0], QStringList({"2026-03-04 05:06:07", "CH4 Zero", "0.25", "2"}));
+}
+
+TEST(CalTolvanDialog, ClearOldHistoryOnlyWhenConfirmed)
+{
+    Wire wire;
+    CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
+    wire.JoinRaw(&dialog);
+    wire.Tell(cal("<ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4lastspan>2026-01-03 08:00:00</ch4lastspan><history>" +
+                  record("2026-01-01 09:30:00", "CH4 Zero") + record("2026-01-02 10:00:00", "CH4 Zero") +
+                  record("2026-01-03 08:00:00", "CH4 Span") + "</history>"));
+    auto* tree = dialog.findChild<QTreeWidget*>();
+
+    AnswerNextMessageBox("");
+    Click(&dialog, "Clear Old History...");
+    EXPECT_EQ(tree->topLevelItemCount(), 3);
+    EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
+
+    AnswerNextMessageBox("Clear");
+    Click(&dialog, "Clear Old History...");
+    const std::string sent = wire.WaitForText("<history>");
+    EXPECT_EQ(sent, "<arvex><tolvan><cal><history>" + record("2026-01-03 08:00:00", "CH4 Span") +
+                        record("2026-01-02 10:00:00", "CH4 Zero") + "</history></cal></tolvan></arvex>\n");
+    EXPECT_FALSE(wire.Seen("09:30"));
+    ASSERT_EQ(tree->topLevelItemCount(), 2);
+    EXPECT_EQ(row(tree, 0)[1], "CH4 Zero");
+}
+
+TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
+{
+    Wire wire;
+    CalAdvancedDialog dialog(nullptr, "bench", &wire.Doc());
+    wire.Join(&dialog);
+    QObject::connect(&dialog, &CalAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
+    EXPECT_EQ(dialog.windowTitle(), "Advanced Calibration: bench");
+    wire.Tell(cal("<ch4zero>0.5</ch4zero><ch4lastspan>2025-06-07 08:09:10</ch4lastspan>"));
+    const auto edits = Edits(&dialog);  // zero, span, span gas
+    ASSERT_EQ(edits.size(), 3u);
+    EXPECT_EQ(edits[0]->text(), "0.5");
+
+    edits[1]->setText("1.5");
+    edits[2]->setText("no number");  // left as it was, without a word
+    QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
+    Click(&dialog, "Apply");
+    EXPECT_EQ(wire.WaitForText("<cal>"), "<arvex><tolvan><cal><ch4span>1.5</ch4span></cal></tolvan></arvex>\n");
+    EXPECT_EQ(forced.count(), 2);  // the send, then the forced read
+    EXPECT_EQ(edits[2]->text(), "2");
+
+    Click(&dialog, "Apply");  // nothing differs: nothing goes out, the read is still forced
+    EXPECT_EQ(forced.count(), 3);
+
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    Click(&dialog, "Now");
+    const QDateTime shown = dialog.findChild<QDateTimeEdit*>()->dateTime();
+    EXPECT_LE(std::abs(QDateTime(before.date(), before.time()).secsTo(shown)), 5);
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+#include "service/factorydialog.h"
+#include "service/heaterstolvandialog.h"
+#include "service/matchdialog.h"
+#include "service/ratedialog.h"
+#include "service/temptolvandialog.h"
+
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QGroupBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+
+#include <functional>
+
+#include "tests/service/wire.h"
+
+namespace {
+
+QGroupBox* group(QWidget* dialog, const QString& title)
+{
+    for (QGroupBox* box : dialog->findChildren<QGroupBox*>())
+        if (box->title() == title)
+            return box;
+    ADD_FAILURE() << "no group " << title.toStdString();
+    return nullptr;
+}
+
+struct TempCase {
+    const char* what;
+    std::function<void(TempTolvanDialog&)> act;
+    const char* sent;
+};
+
+TEST(TempTolvanDialog, EachChangeGoesOutAtOnceAndATouchedValueSelectsItsMode)
+{
+    const TempCase cases[] = {
+        {"cooler set point in Automatic",
+         [](TempTolvanDialog& d) { group(&d, "Cooler Temperature Control")->findChild<QDoubleSpinBox*>()->setValue(30.5); },
+         "<lasercooler><control>manual</control><temp>30.5</temp></lasercooler>"},
+        {"cooler DAC count",
+         [](TempTolvanDialog& d) { group(&d, "Cooler Temperature Control")->findChild<QSpinBox*>()->setValue(40000); },
+         "<lasercooler><control>daccount</control><daccount>40000</daccount></lasercooler>"},
+        {"block off", [](TempTolvanDialog& d) { Click(&d, "O&ff"); }, "<laserblock><control>off</control></laserblock>"},
+        {"block set point, already On",
+         [](TempTolvanDialog& d) { group(&d, "Block Temperature Control")->findChild<QDoubleSpinBox*>()->setValue(20); },
+         "<laserblock><temp>20</temp></laserblock>"},
+        {"low range", [](TempTolvanDialog& d) { Click(&d, "Low Range (-25...25C)"); }, "<temprange>low</temprange>"},
+    };
+    for (const TempCase& c : cases) {
+        Wire wire;
+        TempTolvanDialog dialog(nullptr, "bench", &wire.Doc());
+        wire.Join(&dialog);
+        EXPECT_EQ(dialog.windowTitle(), "Laser Temperature Control: bench");
+        c.act(dialog);
+        EXPECT_NE(wire.WaitForText("<cfg>").find(c.sent), std::string::npos) << c.what;
+    }
+}
+
+TEST(HeatersTolvanDialog, ModesEnableTheirFieldsAndInstrumentChangesKeepEdits)
+{
+    Wire wire;
+    HeatersTolvanDialog dialog(nullptr, "bench", &wire.Doc());
+    wire.Join(&dialog);
+    QGroupBox* top = group(&dialog, "Top Heater Control");
+    QGroupBox* bottom = group(&dialog, "Bottom Heater Control");
+    auto* power = top->findChildren<QSpinBox*>()[0];
+    auto* deltat = top->findChild<QDoubleSpinBox*>();
+    QPushButton* apply = nullptr;
+    for (QPushButton* button : dialog.findChildren<QPushButton*>())
+        if (button->text() == "Apply")
+            apply = button;
+    EXPECT_FALSE(apply->isEnabled());
+    EXPECT_TRUE(deltat->isEnabled());  // all on Auto
+
+    Click(top, "On");
+    EXPECT_TRUE(power->isEnabled());
+    EXPECT_FALSE(deltat->isEnabled());
+    EXPECT_TRUE(apply->isEnabled());
+    Click(bottom, "Off");
+    for (QSpinBox* field : bottom->findChildren<QSpinBox*>())
+        EXPECT_FALSE(field->isEnabled());
+
+    power->setValue(55);
+    wire.Tell("<arvex><tolvan><cfg><heater><top><heaterpower>70</heaterpower></top></heater></cfg></tolvan></arvex>");
+    EXPECT_EQ(power->value(), 55);  // the edit in progress survives
+    Click(&dialog, "Apply");
+    EXPECT_EQ(wire.WaitForText("<heater>"), "<arvex><tolvan><cfg><heater><top><heaterpower>55</heaterpower><control>on</control>"
+                                            "</top><bottom><control>off</control></bottom></heater></cfg></tolvan></arvex>\n");
+    EXPECT_FALSE(apply->isEnabled());
+
+    power->setValue(60);
+    Click(&dialog, "Refresh");
+    EXPECT_EQ(power->value(), 55);
+    EXPECT_FALSE(apply->isEnabled());
+}
+
+TEST(RateDialog, OffersTheLeafsRatesAndSendsAChoiceAtOnce)
+{
+    Wire wire;
+    RateDialog dialog(nullptr, "bench", &wire.Doc().Conf().Output().Rate(), "tolvan");
+    wire.JoinRaw(&dialog);
+    EXPECT_EQ(dialog.windowTitle(), "Output Rate: bench");
+    auto* rates = dialog.findChild<QComboBox*>();
+    QStringList items;
+    for (int i = 0; i < rates->count(); ++i)
+        items << rates->itemText(i) + "=" + rates->itemData(i).toString();
+    EXPECT_EQ(items, QStringList({"Poll=0", "1 Hz=1", "2 Hz=2", "5 Hz=5", "10 Hz=10", "20 Hz=20", "40 Hz=40"}));
+    EXPECT_EQ(rates->currentText(), "40 Hz");
+
+    rates->setCurrentIndex(rates->findText("10 Hz"));
+    EXPECT_EQ(wire.WaitForText("<rate>"), "<arvex><tolvan><output><rate>10</rate></output></tolvan></arvex>\n");
+    Click(&dialog, "&Poll");
+    EXPECT_EQ(wire.WaitForText("<poll>"), "<arvex><tolvan><cmd><poll>true</poll></cmd></tolvan></arvex>\n");
+    Click(&dialog, "Po&ll");
+    EXPECT_EQ(wire.WaitForText("<polltest>"), "<arvex><tolvan><cmd><polltest>true</polltest></cmd></tolvan></arvex>\n");
+    wire.Tell("<arvex><tolvan><output><rate>0</rate></output></tolvan></arvex>");
+    EXPECT_EQ(rates->currentText(), "Poll");
+}
+
+TEST(RateDialog, ARateThatTheTableLacksChangesNothing)
+{
+    const std::vector<std::string> texts{"1", "5"};
+    const std::vector<int> hz{1, 5};
+    ConfigRate rate(texts, hz, 1);
+    RateDialog dialog(nullptr, "bench", &rate, "tolvan");
+    QSignalSpy sent(&dialog, &RateDialog::SendXMLChanges);
+    auto* rates = dialog.findChild<QComboBox*>();
+    EXPECT_EQ(rates->currentText(), "5 Hz");
+    rates->setCurrentIndex(0);  // "Poll": no such rate in this table
+    EXPECT_EQ(rate.get(), 1);
+    EXPECT_EQ(sent.count(), 0);
+}
+
+struct MatchCase {
+    float before;
+    const char* button;
+    float after;
+};
+
+TEST(MatchDialog, StraightCrossAndToggle)
+{
+    const MatchCase cases[] = {{50, "&Toggle", -100}, {0, "&Toggle", -100}, {-0.5f, "&Toggle", 100},
+                               {-100, "&Straight", 100}, {100, "&Cross", -100}};
+    for (const MatchCase& c : cases) {
+        ConfigurableFloat valve("match", c.before);
+        MatchDialog dialog(nullptr, "bench", &valve);
+        QSignalSpy sent(&dialog, &MatchDialog::SendXMLChanges);
+        Click(&dialog, c.button);
+        EXPECT_EQ(valve.get(), c.after) << c.before << " " << c.button;
+        EXPECT_EQ(sent.count(), 1);
+    }
+}
+
+TEST(FactoryDialogs, ReturnSendsWhatReadsAndCommitAndRollbackGoToTheModel)
+{
+    Wire wire;
+    FactoryTolvanDialog dialog(nullptr, "bench", &wire.Doc().Conf().Factory());
+    wire.JoinRaw(&dialog);
+    EXPECT_EQ(dialog.windowTitle(), "Factory Settings: bench");
+    const auto edits = Edits(&dialog);
+    ASSERT_EQ(edits.size(), 19u);
+    EXPECT_EQ(edits[0]->text(), "ch4-XXXX");
+    edits[1]->setText("23.5");  // laser start temperature
+    edits[10]->setText("abc");  // mirror position: no number, left out
+    QTest::keyClick(edits[1], Qt::Key_Return);
+    EXPECT_EQ(wire.WaitForText("<factory>"),
+              "<arvex><tolvan><factory><laserstarttemp>23.5</laserstarttemp></factory></tolvan></arvex>\n");
+    Click(&dialog, "Rollback");
+    EXPECT_EQ(wire.WaitForText("<cmd>"),
+              "<arvex><tolvan><factory><cmd><rollback>true</rollback></cmd></factory></tolvan></arvex>\n");
+
+    Wire morvik("morvik");
+    FactoryMorvikDialog serial(nullptr, "base", &morvik.connector->Doc_Morvik().Conf().Factory());
+    morvik.JoinRaw(&serial);
+    ASSERT_EQ(Edits(&serial).size(), 1u);
+    Edits(&serial)[0]->setText("ch4-base-0007");
+    Click(&serial, "Commit");
+    EXPECT_EQ(morvik.WaitForText("<factory>"),
+              "<arvex><morvik><factory><serialnumber>ch4-base-0007</serialnumber></factory></morvik></arvex>\n");
+    EXPECT_EQ(morvik.WaitForText("<cmd>"),
+              "<arvex><morvik><factory><cmd><commit>true</commit></cmd></factory></morvik></arvex>\n");
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+// The generic configuration dialog over a small tree and over real documents, offscreen.
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDoubleValidator>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QIntValidator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include <cfloat>
+#include <climits>
+
+#include "configurable/configbuiltin.h"
+#include "configurable/configcomposite.h"
+#include "libskarn/configcommon.h"
+#include "service/modeldialogs.h"
+#include "tests/service/wire.h"
+
+Q_DECLARE_METATYPE(std::string)
+
+namespace {
+
+// Root "R" with no leaves of its own: zeta{z}, alpha{n, flag, inner{s}}.
+struct SmallTree : ConfigurableComposite {
+    ConfigurableComposite zeta{"zeta"}, alpha{"alpha"}, inner{"inner"};
+    ConfigurableFloat z{"z", 1.5f};
+    ConfigurableInteger n{"n", 7, 0, 1000000000000};
+    ConfigurableBool flag{"flag", true};
+    ConfigurableString s{"s", "text"};
+
+    SmallTree() : ConfigurableComposite("R")
+    {
+        AttachUnitsAttribute(z, "Hz");
+        zeta.add(z);
+        alpha.add(n);
+        alpha.add(flag);
+        inner.add(s);
+        alpha.add(inner);
+        add(zeta);
+        add(alpha);
+    }
+};
+
+QStringList page_names(const GenericConfigDialog& dialog)
+{
+    QStringList names;
+    for (int i = 0; i < dialog.Pages()->count(); ++i)
+        names << dialog.Pages()->item(i)->text();
+    return names;
+}
+
+QStringList label_texts(const QWidget& dialog)
+{
+    QStringList texts;
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        texts << label->text();
+    return texts;
+}
+
+QGroupBox* page(const QWidget& dialog, const QString& title)
+{
+    for (QGroupBox* g : dialog.findChildren<QGroupBox*>())
+        if (g->title() == title)
+            return g;
+    return nullptr;
+}
+
+QPushButton* button(const QWidget& dialog, const QString& text)
+{
+    for (QPushButton* b : dialog.findChildren<QPushButton*>())
+        if (b->text() == text)
+            return b;
+    return nullptr;
+}
+
+TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
+{
+    struct Case {
+        GenericConfigDialog::Labels labels;
+        QStringList pages;
+        QStringList absent_rows;
+    };
+    const Case cases[] = {
+        {{}, {"General", "alpha", "alpha/inner", "zeta"}, {}},
+        {{{"zeta", "A Zeta"}, {"alpha", "Z Alpha"}}, {"General", "Z Alpha", "alpha/inner", "A Zeta"}, {}},
+        {{{"alpha", ":EXCLUDE:"}}, {"General", "alpha/inner", "zeta"}, {"n", "flag"}},
+        {{{"flag", ":EXCLUDE:"}, {"n", ":EXCLUDE:"}}, {"General", "alpha", "alpha/inner", "zeta"}, {"flag"}},
+    };
+    for (const Case& c : cases) {
+        SmallTree tree;
+        GenericConfigDialog dialog(nullptr, "Small", &tree, c.labels);
+        EXPECT_EQ(page_names(dialog), c.pages);
+        EXPECT_EQ(page(dialog, "General")->layout()->count(), 0);  // the root has no leaves
+        for (const QString& row : c.absent_rows)
+            EXPECT_FALSE(label_texts(dialog).contains(row)) << row.toStdString();
+    }
+}
+
+TEST(GenericConfig, EditorsCarryLimitsUnitsAndValues)
+{
+    SmallTree tree;
+    GenericConfigDialog dialog(nullptr, "Small", &tree, {{"Hz", "hertz"}});
+    ASSERT_EQ(dialog.findChildren<QLineEdit*>().size(), 3);
+    auto* n = page(dialog, "alpha")->findChild<QLineEdit*>();
+    auto* s = page(dialog, "alpha/inner")->findChild<QLineEdit*>();
+    auto* z = page(dialog, "zeta")->findChild<QLineEdit*>();
+    auto* real = qobject_cast<const QDoubleValidator*>(z->validator());
+    auto* integer = qobject_cast<const QIntValidator*>(n->validator());
+    ASSERT_TRUE(real && integer);
+    EXPECT_EQ(real->bottom(), -FLT_MAX);
+    EXPECT_EQ(real->top(), FLT_MAX);
+    EXPECT_EQ(real->decimals(), 20);
+    EXPECT_EQ(integer->bottom(), 0);
+    EXPECT_EQ(integer->top(), INT_MAX);
+    EXPECT_EQ(s->validator(), nullptr);
+    EXPECT_EQ(z->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
+    EXPECT_EQ(s->alignment() & Qt::AlignHorizontal_Mask, Qt::AlignLeft);
+    EXPECT_EQ(z->text(), "1.5");
+    EXPECT_TRUE(label_texts(dialog).contains("hertz"));
+    EXPECT_TRUE(dialog.findChildren<QCheckBox*>().at(0)->isChecked());
+
+    // A text that does not convert leaves its leaf alone; the others go in.
+    n->setText("x");
+    z->setText("2.25");
+    s->setText("other");
+    dialog.findChildren<QCheckBox*>().at(0)->setChecked(false);
+    dialog._ApplyToXML();
+    EXPECT_EQ(tree.n.get(), 7);
+    EXPECT_EQ(tree.z.get(), 2.25f);
+    EXPECT_EQ(tree.s.get(), "other");
+    EXPECT_FALSE(tree.flag.get());
+}
+
+TEST(GenericConfig, CustomButtonsEmitTheirLabelAndMessage)
+{
+    qRegisterMetaType<std::string>();
+    SmallTree tree;
+    GenericConfigDialog dialog(nullptr, "Small", &tree,
+                               {{"a", "ignored:BTN:Red Mod On:<arvex><x>1</x></arvex>\n"}, {"b", ":BTN:Plain"}});
+    QSignalSpy clicked(&dialog, &GenericConfigDialog::ButtonClicked);
+    QSignalSpy raw(&dialog, &GenericConfigDialog::SendRawXML);
+    ASSERT_TRUE(button(dialog, "Red Mod On") && button(dialog, "Plain"));
+    button(dialog, "Red Mod On")->click();
+    button(dialog, "Plain")->click();
+    ASSERT_EQ(clicked.count(), 2);
+    EXPECT_EQ(clicked[0][0].value<std::string>(), "Red Mod On");
+    EXPECT_EQ(clicked[1][0].value<std::string>(), "Plain");
+    ASSERT_EQ(raw.count(), 1);
+    EXPECT_EQ(raw[0][0].value<std::string>(), "<arvex><x>1</x></arvex>\n");
+}
+
+TEST(GenericConfig, ModelDialogsShowTheirSectionsAsLabelledPages)
+{
+    DocQuenta quenta;
+    DocHalden halden;
+    DocDravik dravik;
+    ConfigQuentaDialog config(nullptr, "q1", quenta);
+    EXPECT_EQ(config.windowTitle(), "Configuration: q1");
+    EXPECT_EQ(page_names(config), QStringList({"General", "DACs", "Desiccant", "Flow", "GPIO", "Humidifier",
+                                               "Injector", "Light Source", "Network", "Scrub"}));
+    FactoryQuentaDialog factory(nullptr, "q1", quenta);
+    EXPECT_TRUE(page_names(factory).contains("Pump - High"));
+    EXPECT_FALSE(page_names(factory).contains("pump"));
+
+    FactoryHaldenDialog halden_factory(nullptr, "h1", halden);
+    for (const char* b : {"Red Mod On", "Red Mod Off", "Test Vect On", "Test Vect Off"})
+        EXPECT_TRUE(button(halden_factory, b)) << b;
+
+    OutputDravikDialog output(nullptr, "d1", dravik);
+    EXPECT_EQ(output.windowTitle(), "Output: d1");
+    EXPECT_EQ(output.findChildren<QCheckBox*>().size(), 0);
+    EXPECT_TRUE(label_texts(output).contains("Avg Time"));
+}
+
+TEST(GenericConfig, ApplyWithoutEditsSendsNothing)
+{
+    Wire wire("quenta");
+    wire.WaitForText("&query_doctype;");  // connected
+    ConfigQuentaDialog dialog(nullptr, "q1", wire.connector->Doc_Quenta());
+    wire.JoinRaw(&dialog);
+    dialog.OnApply();
+    // Whatever the empty Apply had sent would come ahead of this edit.
+    page(dialog, "General")->findChild<QLineEdit*>()->setText("head-2");
+    dialog.OnApply();
+    EXPECT_EQ(wire.WaitFor([](const std::string& line) {
+        return line.find("&query") == std::string::npos && line.find("<output>") == std::string::npos;
+    }), "<arvex><quenta><cfg><head>head-2</head></cfg></quenta></arvex>\n");
+}
+
+}  // namespace

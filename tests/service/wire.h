@@ -1,0 +1,144 @@
+#pragma once
+// A dialog joined to a real Connector whose instrument is a loopback server of the test: what the
+// dialog sends is read off the wire, and what the "instrument" says goes back through the link.
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "link/connector.h"
+
+// Generous: sanitizer builds on a busy machine are slow.
+inline constexpr int WIRE_TIMEOUT_MS = 30000;
+
+class Wire {
+public:
+    explicit Wire(const std::string& type = "tolvan")
+    {
+        EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0));
+        connector = std::make_shared<Connector>(nullptr, "wire-test", type);
+        connector->Connect("127.0.0.1", 0, server.serverPort());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS));
+        socket = server.nextPendingConnection();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() != ""; }, WIRE_TIMEOUT_MS));
+        // As after the instrument's answer to the opening queries: the replica holds no changes.
+        connector->Doc()._set_changed(false);
+    }
+
+    /// The three joints a watch window makes for a tool window.
+    template <class Dialog>
+    void Join(Dialog* dialog)
+    {
+        QObject::connect(dialog, &Dialog::SendXMLChanges, connector.get(), &Connector::OnSendXMLChanges);
+        QObject::connect(connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
+    }
+    template <class Dialog>
+    void JoinRaw(Dialog* dialog)
+    {
+        Join(dialog);
+        QObject::connect(dialog, &Dialog::SendRawXML, connector.get(), &Connector::OnSendRawXML);
+    }
+
+    /// Reads lines until one satisfies `want` and returns it; "" if none comes.
+    std::string WaitFor(const std::function<bool(const std::string&)>& want)
+    {
+        std::string found;
+        (void)QTest::qWaitFor([&] {
+            while (socket->canReadLine()) {
+                lines.push_back(socket->readLine().toStdString());
+                if (want(lines.back())) {
+                    found = lines.back();
+                    return true;
+                }
+            }
+            return false;
+        }, WIRE_TIMEOUT_MS);
+        return found;
+    }
+    /// The next line that contains `text`.
+    std::string WaitForText(const std::string& text)
+    {
+        return WaitFor([&](const std::string& line) { return line.find(text) != std::string::npos; });
+    }
+    /// Whether any line read so far contains `text`.
+    bool Seen(const std::string& text) const
+    {
+        for (const std::string& line : lines)
+            if (line.find(text) != std::string::npos)
+                return true;
+        return false;
+    }
+
+    /// The instrument says `line`; returns once the document has taken it.
+    void Tell(const std::string& line)
+    {
+        QSignalSpy changed(connector.get(), &Connector::GotXMLChanges);
+        socket->write((line + "\n").c_str());
+        EXPECT_TRUE(changed.wait(WIRE_TIMEOUT_MS)) << line;
+    }
+
+    DocTolvan& Doc() { return connector->Doc_Tolvan(); }
+
+    QTcpServer server;
+    QTcpSocket* socket = nullptr;
+    std::shared_ptr<Connector> connector;
+    std::vector<std::string> lines;
+};
+
+/// Presses the button labelled `label` of the next message box that comes up; `label` empty
+/// dismisses it with Escape.
+inline void AnswerNextMessageBox(const QString& label)
+{
+    auto* poll = new QTimer;
+    QObject::connect(poll, &QTimer::timeout, [poll, label] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        poll->stop();
+        poll->deleteLater();
+        if (label.isEmpty()) {
+            box->reject();
+            return;
+        }
+        for (QAbstractButton* button : box->buttons())
+            if (button->text() == label)
+                button->click();
+    });
+    poll->start(10);
+}
+
+/// The line edits of `parent` in the order they were made, leaving out those inside spin boxes.
+inline std::vector<QLineEdit*> Edits(QWidget* parent)
+{
+    std::vector<QLineEdit*> edits;
+    for (QLineEdit* edit : parent->findChildren<QLineEdit*>())
+        if (!qobject_cast<QAbstractSpinBox*>(edit->parentWidget()))
+            edits.push_back(edit);
+    return edits;
+}
+
+/// Clicks the button of `parent` labelled `label` (the first, if several); fails the test when
+/// there is none.
+inline void Click(QWidget* parent, const QString& label)
+{
+    for (QAbstractButton* button : parent->findChildren<QAbstractButton*>())
+        if (button->text() == label) {
+            button->click();
+            return;
+        }
+    ADD_FAILURE() << "no button " << label.toStdString();
+}

@@ -1,0 +1,262 @@
+// The watch windows of the Quenta, Dravik, Halden and Bremmel, the I/O console and the Morvik's
+// configuration window: columns, throttles, commands on the wire, toggles and tool windows.
+
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTextEdit>
+
+#include <functional>
+#include <memory>
+
+#include "service/genericconfigdialog.h"
+#include "tests/watch/watch_test_util.h"
+#include "watch/configmorvikdialog.h"
+#include "watch/fpgahaldendialog.h"
+#include "watch/mytablewidget.h"
+#include "watch/watchbremmeldialog.h"
+#include "watch/watchdravikdialog.h"
+#include "watch/watchhaldendialog.h"
+#include "watch/watchquentadialog.h"
+
+Q_DECLARE_METATYPE(std::string)
+
+namespace {
+
+constexpr int TIMEOUT_MS = 10000;
+
+std::unique_ptr<WatchModelDialog> make_window(const std::string& type, const std::string& name)
+{
+    if (type == "quenta")
+        return std::make_unique<WatchQuentaDialog>(nullptr, name, type);
+    if (type == "dravik")
+        return std::make_unique<WatchDravikDialog>(nullptr, name, type);
+    if (type == "halden")
+        return std::make_unique<WatchHaldenDialog>(nullptr, name, type);
+    return std::make_unique<WatchBremmelDialog>(nullptr, name, type);
+}
+
+QStringList labels(const QTableWidget& table)
+{
+    QStringList texts;
+    for (int column = 0; column < table.columnCount(); column += 2)
+        texts << table.horizontalHeaderItem(column)->text();
+    return texts;
+}
+
+QString cell(const QTableWidget& table, int row, int column)
+{
+    return table.item(row, column) ? table.item(row, column)->text() : QString();
+}
+
+TEST(WatchModels, AnnouncedHeadersAddOnePairEach)
+{
+    auto window = make_window("dravik", test_host());
+    auto* table = window->findChild<MyTableWidget*>();
+    Connector& link = window->GetConnector();
+    for (const char* line : {"DATALTH\tTIME\tPPFD\n", "DATACLOCKH\tTIME\n", "DATALTH\tTIME\tPPFD\tT\n", "DATAGASH\tCO2\n"})
+        link.HandleData(line);
+    window->GotConnectorHeaderMatch(link, "DATXH");  // too short to be a record's header
+    EXPECT_EQ(labels(*table), (QStringList{"DATA", "DATASTAT", "DATADIAG", "DATALT", "DATAGAS"}));
+    EXPECT_EQ(cell(*table, 2, 6), "T");  // the second arrival refreshed the pair
+    // What a double click or a drag would chart.
+    EXPECT_EQ(window->GetVarString(1, 6), test_host() + ":DATALT:PPFD");
+}
+
+// Feeds records until the table shows `text` at (row, column), or gives up.
+bool shows(Connector& link, const QTableWidget& table, int row, int column, const QString& text,
+           const std::function<std::string()>& next_line)
+{
+    return QTest::qWaitFor([&] {
+        link.HandleData(next_line());
+        return cell(table, row, column) == text;
+    }, TIMEOUT_MS);
+}
+
+TEST(WatchModels, HaldenRefreshesOnItsClockAndQuentaOnDataTime)
+{
+    for (const char* type : {"halden", "quenta"}) {
+        auto window = make_window(type, test_host() + type);
+        auto* table = window->findChild<MyTableWidget*>();
+        Connector& link = window->GetConnector();
+        link.HandleData("DATAH\tTIME\tA\tB\tCHK\n");
+        link.HandleData(with_sum("DATA\t100\t1\t2\t"));
+        ASSERT_EQ(cell(*table, 1, 1), "1") << type;
+        // The time stamps stand still: only the computer's clock lets a new value through.
+        if (std::string(type) == "halden") {
+            EXPECT_TRUE(shows(link, *table, 1, 1, "7", [] { return with_sum("DATA\t100\t7\t2\t"); }));
+        } else {
+            link.HandleData(with_sum("DATA\t100\t7\t2\t"));
+            link.HandleData(with_sum("DATA\t100.4\t7\t2\t"));
+            EXPECT_EQ(cell(*table, 1, 1), "1");
+        }
+        EXPECT_TRUE(shows(link, *table, 1, 1, "8", [] { return with_sum("DATA\t100.5\t8\t2\t"); })) << type;
+    }
+}
+
+TEST(WatchModels, BremmelPassesABurstAndHoldsTheNextForHalfASecond)
+{
+    auto window = make_window("bremmel", test_host());
+    auto* table = window->findChild<MyTableWidget*>();
+    Connector& link = window->GetConnector();
+    link.HandleData("DATAH\tA\tB\tSEC\tNSEC\tCHK\n");
+    link.HandleData("DATAGPSH\tSEC\tNSEC\tLAT\tCHK\n");
+    const struct {
+        const char* line;
+        int column;
+        const char* shown;
+    } steps[] = {
+        {"DATA\t1\t2\t100\t0\t", 1, "1"},
+        {"DATAGPS\t100\t0\t47.1\t", 7, "47.1"},           // the same burst
+        {"DATA\t5\t2\t100\t300000000\t", 1, "1"},        // 0.3 s later: held
+        {"DATAGPS\t100\t600000000\t47.2\t", 7, "47.2"},  // 0.6 s later: shown, and only its own column
+        {"DATA\t6\t2\t100\t600000000\t", 1, "6"},
+    };
+    for (const auto& step : steps) {
+        link.HandleData(with_sum(step.line));
+        EXPECT_EQ(cell(*table, step.column == 1 ? 0 : 2, step.column), step.shown) << step.line;
+    }
+}
+
+// An instrument stand-in that reads lines until the one wanted arrives.
+struct Wire {
+    Wire() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost)); }
+    /// Takes the link's connection; true once its first query has come, so that it can send.
+    bool Accept()
+    {
+        return QTest::qWaitFor([&] { return server.hasPendingConnections(); }, TIMEOUT_MS) &&
+               (client = server.nextPendingConnection()) != nullptr && Receives("<arvex>&query_doctype;</arvex>\n");
+    }
+    bool Receives(const std::string& wanted)
+    {
+        return QTest::qWaitFor([&] {
+            while (client->canReadLine())
+                if (client->readLine().toStdString() == wanted)
+                    return true;
+            return false;
+        }, TIMEOUT_MS);
+    }
+    QTcpServer server;
+    QTcpSocket* client = nullptr;
+};
+
+std::string command(const std::string& tag, const std::string& cmd)
+{
+    return "<arvex><" + tag + "><cmd><" + cmd + ">true</" + cmd + "></cmd></" + tag + "></arvex>\n";
+}
+
+TEST(WatchModels, EveryCommandButtonSendsItsLine)
+{
+    const struct {
+        const char* type;
+        const char* event;  ///< fed first, to label a toggle
+        const char* button;
+        std::string line;
+    } rows[] = {
+        {"quenta", "", "Lt Src On", command("quenta", "connectlightsource")},
+        {"quenta", "LIGHTSOURCECONNECTED", "Lt Src Off", command("quenta", "disconnectlightsource")},
+        {"quenta", "LIGHTSOURCEDISCONNECTED", "Lt Src On", command("quenta", "connectlightsource")},
+        {"dravik", "", "Reboot", command("dravik", "reboot")},
+        {"dravik", "", "Lt Src On", command("dravik", "connectlightsource")},
+        {"dravik", "LIGHTSOURCECONNECTED", "Lt Src Off", command("dravik", "disconnectlightsource")},
+        {"dravik", "", "Pwr Off", command("dravik", "poweroff")},
+        {"dravik", "POWEROFF", "Pwr On", command("dravik", "poweron")},
+        {"dravik", "POWERON", "Pwr Off", command("dravik", "poweroff")},
+        {"halden", "", "Reboot", command("halden", "reboot")},
+        {"halden", "", "Rect", command("halden", "rect")},
+        {"halden", "", "MPF", command("halden", "mpf")},
+        {"halden", "", "Induction", command("halden", "induction")},
+        {"halden", "", "Dark", command("halden", "dark")},
+        {"halden", "", "Break", command("halden", "break")},
+        {"halden", "", "Reset", command("halden", "reset")},
+        {"bremmel", "", "Start USB Logging", command("bremmel", "logusbstart")},
+        {"bremmel", "", "Stop USB Logging", command("bremmel", "logusbstop")},
+        {"bremmel", "", "Eject USB", command("bremmel", "ejectusb")},
+    };
+    std::map<std::string, std::pair<std::unique_ptr<WatchModelDialog>, std::unique_ptr<Wire>>> windows;
+    for (const auto& row : rows) {
+        auto& [window, wire] = windows[row.type];
+        if (!window) {
+            wire = std::make_unique<Wire>();
+            window = make_window(row.type, test_host() + row.type);
+            window->Connect("127.0.0.1", 0, wire->server.serverPort());
+            ASSERT_TRUE(wire->Accept()) << row.type;
+        }
+        if (*row.event)
+            window->GetConnector().HandleData(std::string("DATAEVENT\t") + row.event + "\tnow\n");
+        QPushButton* button = find_button(*window, row.button);
+        ASSERT_TRUE(button) << row.type << " " << row.button;
+        button->click();
+        EXPECT_TRUE(wire->Receives(row.line)) << row.type << " " << row.button;
+    }
+}
+
+TEST(WatchModels, ConfigAndFactoryOpenOnceAsPages)
+{
+    for (const char* type : {"quenta", "dravik", "halden", "bremmel"}) {
+        const std::string name = test_host() + type;
+        auto window = make_window(type, name);
+        for (const char* button : {"Config...", "Factory...", "Config..."})
+            find_button(*window, button)->click();
+        const auto dialogs = window->findChildren<GenericConfigDialog*>();
+        ASSERT_EQ(dialogs.size(), 2) << type;
+        EXPECT_EQ(dialogs[0]->windowTitle().toStdString(), "Configuration: " + name);
+        EXPECT_EQ(dialogs[1]->windowTitle().toStdString(), "Factory Settings: " + name);
+        EXPECT_GT(dialogs[0]->Pages()->count(), 1) << type;
+    }
+}
+
+TEST(WatchModels, ConsoleRunsOnceOrRepeatsAndAddsOut)
+{
+    qRegisterMetaType<std::string>();
+    const struct {
+        const char* text;
+        const char* sent;
+    } rows[] = {
+        {"w 1 2", "w 1 2\nout\n"},
+        {"w 1 2\nOUT", "w 1 2\nOUT\n"},
+        {"read Out", "read Out\n"},
+    };
+    for (const auto& row : rows) {
+        FPGAHaldenDialog console(nullptr, "h1");
+        QSignalSpy sent(&console, &FPGAHaldenDialog::SendRawText);
+        console.findChild<QTextEdit*>()->setPlainText(row.text);
+        find_button(console, "Run")->click();
+        ASSERT_TRUE(sent.count() > 0 || sent.wait(TIMEOUT_MS));
+        EXPECT_EQ(sent[0][0].value<std::string>(), row.sent);
+        EXPECT_TRUE(find_button(console, "Run")) << "run once stops by itself";
+    }
+    FPGAHaldenDialog console(nullptr, "h1");
+    QSignalSpy sent(&console, &FPGAHaldenDialog::SendRawText);
+    console.findChild<QComboBox*>()->setCurrentIndex(3);  // 100 Hz
+    find_button(console, "Run")->click();
+    ASSERT_TRUE(sent.wait(TIMEOUT_MS) && (sent.count() > 1 || sent.wait(TIMEOUT_MS)));
+    find_button(console, "Stop")->click();
+    find_button(console, "Clear")->click();
+    EXPECT_EQ(sent.last()[0].value<std::string>(), "\nclr\n");
+}
+
+TEST(WatchModels, MorvikConfigurationAppliesTheHead)
+{
+    Wire wire;
+    ConfigMorvikDialog dialog(nullptr, test_host(), "morvik");
+    dialog.Connect("127.0.0.1", 0, wire.server.serverPort());
+    EXPECT_EQ(dialog.windowTitle().toStdString(), "Configuring Pelsen: " + test_host() + ": IP=127.0.0.1");
+    ASSERT_TRUE(wire.Accept());
+    // The instrument's first answer makes the replica clean.
+    Connector::LookupConnector(test_host())->HandleXML("<arvex><morvik><name>m</name></morvik></arvex>");
+    dialog.findChild<QLineEdit*>()->setText("head-7");
+    find_button(dialog, "Apply")->click();
+    EXPECT_TRUE(wire.Receives("<arvex><morvik><cfg><head>head-7</head></cfg></morvik></arvex>\n"));
+    EXPECT_TRUE(find_button(dialog, "Factory...")->isEnabled());
+    ConfigMorvikDialog sarnel(nullptr, test_host() + "s", "sarnel");
+    EXPECT_FALSE(find_button(sarnel, "Factory...")->isEnabled());
+}
+
+}  // namespace

@@ -1,0 +1,6 @@
+#include "watch/mytablewidget.h"
+
+void MyTableWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    emit GotMouseMoveEvent(event);
+}

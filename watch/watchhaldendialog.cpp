@@ -1,0 +1,84 @@
+#include "watch/watchhaldendialog.h"
+
+#include "service/modeldialogs.h"
+#include "watch/fpgahaldendialog.h"
+
+WatchHaldenDialog::WatchHaldenDialog(QWidget* parent, const std::string& name, const std::string& type)
+    : WatchModelDialog(parent, name, type, "Halden", "halden",
+                       {"DATAH", "DATA", "DATASTATH", "DATASTAT", "DATADIAGH", "DATADIAG", "DATATESTH", "DATATEST"},
+                       {"DATAH", "DATASTATH", "DATADIAGH", "DATATESTH", "DATA", "DATATEST"})
+{
+    resize(750, 400);
+    auto* cal = new QPushButton("Cal...", this);
+    auto* raw = new QPushButton("Raw Capture...", this);
+    cal->setEnabled(false);  // calibration and raw capture come with a later change
+    raw->setEnabled(false);
+    _LayOut({{_Button("Reboot", &WatchHaldenDialog::OnRebootClicked), _Button("Rect", &WatchHaldenDialog::OnRectClicked),
+              _Button("MPF", &WatchHaldenDialog::OnMPFClicked),
+              _Button("Induction", &WatchHaldenDialog::OnInductionClicked),
+              _Button("Dark", &WatchHaldenDialog::OnDarkClicked), _Button("Break", &WatchHaldenDialog::OnBreakClicked),
+              _Button("Reset", &WatchHaldenDialog::OnResetClicked)},
+             {cal, _Button("Config...", &WatchModelDialog::OnCfgClicked),
+              _Button("Factory...", &WatchModelDialog::OnFactoryClicked),
+              _Button("FPGA I/O...", &WatchHaldenDialog::OnFPGAClicked), raw, _log_button}});
+}
+
+void WatchHaldenDialog::GotConnectorData(Connector&, std::string)
+{
+    if (_clock.Due())
+        _UpdateValueColumns();
+}
+
+void WatchHaldenDialog::OnRebootClicked()
+{
+    _SendCommand("reboot");
+}
+
+void WatchHaldenDialog::OnRectClicked()
+{
+    _SendCommand("rect");
+}
+
+void WatchHaldenDialog::OnMPFClicked()
+{
+    _SendCommand("mpf");
+}
+
+void WatchHaldenDialog::OnInductionClicked()
+{
+    _SendCommand("induction");
+}
+
+void WatchHaldenDialog::OnDarkClicked()
+{
+    _SendCommand("dark");
+}
+
+void WatchHaldenDialog::OnBreakClicked()
+{
+    _SendCommand("break");
+}
+
+void WatchHaldenDialog::OnResetClicked()
+{
+    _SendCommand("reset");
+}
+
+void WatchHaldenDialog::OnFPGAClicked()
+{
+    ShowToolWindow(_fpga, [this] {
+        auto* dialog = new FPGAHaldenDialog(this, _connector->Host());
+        connect(dialog, &FPGAHaldenDialog::SendRawText, _connector.get(), &Connector::OnSendRawXML);
+        return dialog;
+    });
+}
+
+GenericConfigDialog* WatchHaldenDialog::_MakeConfigDialog()
+{
+    return new ConfigHaldenDialog(this, _connector->Host(), _connector->Doc_Halden());
+}
+
+GenericConfigDialog* WatchHaldenDialog::_MakeFactoryDialog()
+{
+    return new FactoryHaldenDialog(this, _connector->Host(), _connector->Doc_Halden());
+}

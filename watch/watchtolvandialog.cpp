@@ -1,0 +1,216 @@
+#include "watch/watchtolvandialog.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "service/caladvanceddialog.h"
+#include "service/caltolvandialog.h"
+#include "service/clocktolvandialog.h"
+#include "service/factorydialog.h"
+#include "service/heaterstolvandialog.h"
+#include "service/networktolvandialog.h"
+#include "service/ratedialog.h"
+#include "service/temptolvandialog.h"
+#include "watch/mytablewidget.h"
+#include "watch/plotwavedialog.h"
+
+namespace {
+
+const char* const kRecords[] = {"DATAH",          "DATA",          "DATASTATH", "DATASTAT", "DATADIAGH",
+                                "DATADIAG",       "DATACLOCKSYNCH", "DATACLOCKSYNC", "DATATESTH", "DATATEST"};
+
+// "DATASTAT" is the window's clock; the other data records are read when it comes.
+const char* const kListenedTo[] = {"DATAH", "DATASTATH", "DATADIAGH", "DATACLOCKSYNCH", "DATATESTH", "DATASTAT"};
+
+void show_on_top(QDialog* dialog)
+{
+    dialog->show();
+    dialog->activateWindow();
+    dialog->raise();
+}
+
+}  // namespace
+
+WatchTolvanDialog::WatchTolvanDialog(QWidget* parent, const std::string& name, const std::string& type)
+    : WatchDialog(parent, name, type, "Tolvan", std::vector<std::string>(std::begin(kRecords), std::end(kRecords)))
+{
+    resize(750, 800);
+
+    auto* wave = new QPushButton("Wave", this);
+    auto* dc = new QPushButton("DC", this);
+    auto* wide = new QPushButton("Wide Scan", this);
+    auto* rate = new QPushButton("Rate...", this);
+    auto* clock_sync = new QCheckBox("Show Clock Sync", this);
+    auto* temp = new QPushButton("Laser Temp...", this);
+    auto* cal = new QPushButton("Cal...", this);
+    auto* factory = new QPushButton("Factory...", this);
+    auto* mirrors = new QPushButton("Mirrors...", this);
+    auto* clock = new QPushButton("Clock...", this);
+    auto* network = new QPushButton("Network...", this);
+    auto* close = new QPushButton("Close", this);
+    // The wide scan is not there yet; a Morvik's document has no sections for the Tolvan's tools.
+    wide->setEnabled(false);
+    for (QPushButton* button : {rate, temp, cal, factory, mirrors})
+        button->setEnabled(!_IsMorvik());
+
+    auto* grid = new QGridLayout;
+    grid->addWidget(wave, 0, 0);
+    grid->addWidget(dc, 0, 1);
+    grid->addWidget(wide, 0, 2);
+    grid->addWidget(rate, 0, 3);
+    grid->addWidget(_log_button, 0, 4);
+    grid->addWidget(clock_sync, 0, 5, 1, 3);
+    grid->addWidget(temp, 1, 0);
+    grid->addWidget(cal, 1, 1);
+    grid->addWidget(factory, 1, 2);
+    grid->addWidget(mirrors, 1, 3);
+    grid->addWidget(clock, 1, 4);
+    grid->addWidget(network, 1, 5);
+    grid->setColumnStretch(6, 1);
+    grid->addWidget(close, 1, 7);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(_table);
+    layout->addLayout(grid);
+
+    connect(wave, &QPushButton::clicked, this, &WatchTolvanDialog::OnWaveClicked);
+    connect(dc, &QPushButton::clicked, this, &WatchTolvanDialog::OnDCClicked);
+    connect(clock_sync, &QCheckBox::stateChanged, this, &WatchTolvanDialog::OnDataClockSyncChanged);
+    connect(rate, &QPushButton::clicked, this, &WatchTolvanDialog::OnRateClicked);
+    connect(temp, &QPushButton::clicked, this, &WatchTolvanDialog::OnTClicked);
+    connect(cal, &QPushButton::clicked, this, &WatchTolvanDialog::OnCalClicked);
+    connect(factory, &QPushButton::clicked, this, &WatchTolvanDialog::OnFactoryClicked);
+    connect(mirrors, &QPushButton::clicked, this, &WatchTolvanDialog::OnHeatersClicked);
+    connect(clock, &QPushButton::clicked, this, &WatchTolvanDialog::OnClockClicked);
+    connect(network, &QPushButton::clicked, this, &WatchTolvanDialog::OnNetworkClicked);
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+
+    _table->setFocus(Qt::OtherFocusReason);
+    for (const char* record : kListenedTo)
+        _connector->RegisterListener(record, this);
+}
+
+void WatchTolvanDialog::GotConnectorData(Connector& /*connector*/, std::string /*record*/)
+{
+    _UpdateValueColumns();
+}
+
+PlotWaveDialog* WatchTolvanDialog::_OpenWaveforms(PlotWaveDialog* dialog, const char* reference, const char* sample,
+                                                  const QString& title)
+{
+    if (!dialog) {
+        const std::string& host = _connector->Host();
+        dialog = new PlotWaveDialog(this, VariableString(host, reference, "WAVEFORM").str(),
+                                    VariableString(host, sample, "WAVEFORM").str(), title, "Reference", "Sample", -50,
+                                    50, -49.5, 0, 1, false);
+    }
+    dialog->show();
+    dialog->activateWindow();
+    dialog->raise();
+    return dialog;
+}
+
+void WatchTolvanDialog::OnWaveClicked()
+{
+    _wave = _OpenWaveforms(_wave, "DATAR", "DATAS", "Waveforms");
+}
+
+void WatchTolvanDialog::OnDCClicked()
+{
+    _dc = _OpenWaveforms(_dc, "DATARDC", "DATASDC", "DC Waveforms");
+}
+
+void WatchTolvanDialog::OnDataClockSyncChanged(int state)
+{
+    _connector->SendClockSyncMessages(state == Qt::Checked);
+}
+
+template <class Dialog>
+Dialog* WatchTolvanDialog::_Join(Dialog* dialog)
+{
+    connect(dialog, &Dialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+    connect(_connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
+    return dialog;
+}
+
+template <class Dialog>
+Dialog* WatchTolvanDialog::_JoinRaw(Dialog* dialog)
+{
+    connect(dialog, &Dialog::SendRawXML, _connector.get(), &Connector::OnSendRawXML);
+    return _Join(dialog);
+}
+
+bool WatchTolvanDialog::_IsMorvik() const
+{
+    return _connector->Type() == "morvik" || _connector->Type() == "sarnel";
+}
+
+void WatchTolvanDialog::OnTClicked()
+{
+    if (!_temp)
+        _temp = _Join(new TempTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+    show_on_top(_temp);
+}
+
+void WatchTolvanDialog::OnCalClicked()
+{
+    if (!_cal) {
+        _cal = _JoinRaw(new CalTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan(), false));
+        connect(_cal, &CalTolvanDialog::OnAdvancedClicked, this, &WatchTolvanDialog::OnCalAdvancedClicked);
+    }
+    show_on_top(_cal);
+}
+
+void WatchTolvanDialog::OnCalAdvancedClicked()
+{
+    if (!_cal_advanced) {
+        _cal_advanced = _Join(new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+        connect(_cal_advanced, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+    }
+    show_on_top(_cal_advanced);
+}
+
+void WatchTolvanDialog::OnFactoryClicked()
+{
+    if (!_factory)
+        _factory = _JoinRaw(new FactoryTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Factory()));
+    show_on_top(_factory);
+}
+
+void WatchTolvanDialog::OnHeatersClicked()
+{
+    if (!_heaters)
+        _heaters = _JoinRaw(new HeatersTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
+    show_on_top(_heaters);
+}
+
+void WatchTolvanDialog::OnClockClicked()
+{
+    if (!_clock) {
+        ConfigCfgClock& clock = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Clock()
+                                            : _connector->Doc_Tolvan().Conf().Cfg().Clock();
+        _clock = _JoinRaw(new ClockTolvanDialog(this, _connector->Host(), &clock));
+    }
+    _clock->OnRefresh();
+    show_on_top(_clock);
+}
+
+void WatchTolvanDialog::OnNetworkClicked()
+{
+    if (!_network) {
+        ConfigCfgNetwork& network = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Network()
+                                                : _connector->Doc_Tolvan().Conf().Cfg().Network();
+        _network = _JoinRaw(new NetworkTolvanDialog(this, _connector->Host(), &network, _connector->Type()));
+    }
+    show_on_top(_network);
+}
+
+void WatchTolvanDialog::OnRateClicked()
+{
+    if (!_rate)
+        _rate = _JoinRaw(
+            new RateDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Output().Rate(), "tolvan"));
+    show_on_top(_rate);
+}
