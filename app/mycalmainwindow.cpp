@@ -25,6 +25,7 @@ MyCalMainWindow::MyCalMainWindow(const std::string& /*title*/, const std::string
     connect(panel, &CalTolvanDialog::SendRawXML, _connector.get(), &Connector::OnSendRawXML);
     connect(panel, &CalTolvanDialog::OnAdvancedClicked, this, &MyCalMainWindow::OnCalAdvancedClicked);
     connect(panel, &CalTolvanDialog::OnCloseClicked, this, &QWidget::close);
+    resize(panel->size());  // the panel's own width, until the stored geometry says otherwise
 
     QSettings settings(kOrganisation, kApplication);
     restoreGeometry(settings.value("geometry").toByteArray());
