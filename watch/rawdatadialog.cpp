@@ -45,9 +45,9 @@ RawDataDialog::RawDataDialog(QWidget* parent, const std::string& name, ConfigCfg
 
     _status = new QLabel("Status: Idle");
     _progress = new QProgressBar;
-    _progress->setRange(0, 1);
     _progress->setValue(0);
     _progress->setFormat("%v of %m bytes");
+    _progress->setTextVisible(false);  // until there is a size to count against
 
     _capture_button = new QPushButton("Capture");
     auto* close = new QPushButton("Close");
@@ -122,6 +122,7 @@ void RawDataDialog::OnCaptureButton()
     _capture_button->setEnabled(false);
     _progress->setRange(0, size);
     _progress->setValue(0);
+    _progress->setTextVisible(true);
 }
 
 void RawDataDialog::GotConnectorRawData(Connector&, std::string record, std::string line)
