@@ -110,6 +110,7 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
             }
             button(rows[row].button, layout, row, rows[row].clicked);
         }
+        layout->setColumnStretch(1, 1);  // the gas fields take the room, not the labels
         grid->addWidget(group, 0, column++);
     }
 
