@@ -2,11 +2,34 @@
 
 #include <sstream>
 
+namespace {
+
+void read_instruments(const std::vector<std::string>& args, CommandLine& result)
+{
+    for (size_t i = 1; i < args.size(); ++i) {
+        if (args[i] != "--instrument")
+            continue;
+        if (++i == args.size()) {
+            result.errors.push_back("--instrument: NAME=MODEL@ADDRESS[:PORT] must follow");
+            return;
+        }
+        try {
+            result.instruments.push_back(NamedInstrument::Parse(args[i]));
+        } catch (const NamedInstrument::Error& error) {
+            result.errors.push_back("--instrument \"" + args[i] + "\": " + error.what());
+        }
+    }
+}
+
+}  // namespace
+
 CommandLine ParseCommandLine(const std::vector<std::string>& args)
 {
     CommandLine result;
-    if (args.size() < 3 || args[1] != "cal" || args[2].empty())
+    if (args.size() < 3 || args[1] != "cal" || args[2].empty()) {
+        read_instruments(args, result);
         return result;
+    }
 
     result.mode = CommandLine::CAL_BROWSE;
     result.name = args[2];

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/namedinstrument.h"
+
 /// The outcome of reading the command line.
 struct CommandLine {
     enum Mode {
@@ -16,10 +18,16 @@ struct CommandLine {
     std::string name;     ///< the instrument's service name; set in both calibration modes
     std::string address;  ///< set only in CAL_DIAL
     int port = 0;         ///< set only in CAL_DIAL; never 0 there, not yet cut to 16 bits
+
+    /// MAIN only: the instruments named by "--instrument NAME=MODEL@ADDRESS[:PORT]", in order.
+    std::vector<NamedInstrument> instruments;
+    /// MAIN only: one line for each "--instrument" that could not be read, with what is wrong.
+    std::vector<std::string> errors;
 };
 
 /// Reads the arguments as QApplication leaves them, program name first: `cal NAME [ADDRESS PORT]`.
 /// Anything else, "cal" alone or an empty NAME gives MAIN. An unreadable or zero PORT or an empty
 /// ADDRESS gives CAL_BROWSE without a word; a single argument after NAME and any behind PORT are
 /// ignored. PORT is read like `stream >> int`: leading blanks skipped, trailing text ignored.
+/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument.
 CommandLine ParseCommandLine(const std::vector<std::string>& args);

@@ -169,6 +169,26 @@ std::shared_ptr<ButtonConfig> ConfigDocButton::Get() const
     return button;
 }
 
+ConfigDocInstrument::ConfigDocInstrument(const std::string& tag) : ConfigurableComposite(tag)
+{
+    for (ConfigurableString* child : {&_name, &_model, &_address, &_port})
+        add(*child);
+}
+
+ConfigDocInstrument& ConfigDocInstrument::operator=(const ConfigDocInstrument& other)
+{
+    copy_leaf(_name, other._name);
+    copy_leaf(_model, other._model);
+    copy_leaf(_address, other._address);
+    copy_leaf(_port, other._port);
+    return *this;
+}
+
+NamedInstrument ConfigDocInstrument::Get() const
+{
+    return NamedInstrument::Make(_name.get(), _model.get(), _address.get(), _port.get());
+}
+
 ConfigDoc::ConfigDoc() : ConfigurableComposite("config")
 {
     add(_title);
@@ -176,6 +196,7 @@ ConfigDoc::ConfigDoc() : ConfigurableComposite("config")
     add(_services);
     add(_defines);
     add(_buttons);
+    add(_instruments);
 }
 
 void ConfigDoc::GetDefines(Defines& defines) const
@@ -196,4 +217,16 @@ void ConfigDoc::GetButtons(std::vector<std::shared_ptr<ButtonConfig>>& buttons) 
 {
     for (const Configurable* child : _buttons.children())
         buttons.push_back(static_cast<const ConfigDocButton&>(*child).Get());
+}
+
+void ConfigDoc::GetInstruments(std::vector<NamedInstrument>& instruments, std::vector<std::string>& errors) const
+{
+    for (const Configurable* child : _instruments.children()) {
+        const auto& entry = static_cast<const ConfigDocInstrument&>(*child);
+        try {
+            instruments.push_back(entry.Get());
+        } catch (const NamedInstrument::Error& error) {
+            errors.push_back("\"" + entry.Name().get() + "\": " + error.what());
+        }
+    }
 }

@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "app/namedinstrument.h"
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
 
@@ -194,9 +195,46 @@ protected:
     }
 };
 
+/// One instrument named by hand: the children `name`, `model`, `address` and `port`.
+class ConfigDocInstrument : public ConfigurableComposite {
+public:
+    explicit ConfigDocInstrument(const std::string& tag);
+    ConfigDocInstrument& operator=(const ConfigDocInstrument& other);
+
+    const ConfigurableString& Name() const { return _name; }
+    /// The runtime form; throws NamedInstrument::Error for a malformed entry.
+    NamedInstrument Get() const;
+
+private:
+    ConfigurableString _name{"name", ""};
+    ConfigurableString _model{"model", ""};
+    ConfigurableString _address{"address", ""};
+    ConfigurableString _port{"port", ""};
+};
+
+/// The instruments named by hand, tag `instruments`.
+class ConfigDocInstruments : public ConfigurableCompositeDynamic<ConfigDocInstrument> {
+public:
+    ConfigDocInstruments() : ConfigurableCompositeDynamic("instruments") {}
+
+protected:
+    ConfigDocInstrument* _create(const std::string& name) override { return new ConfigDocInstrument(name); }
+    void _copy(ConfigDocInstrument& to, const ConfigDocInstrument& from) override { to = from; }
+    bool _is_same(const ConfigDocInstrument& a, const ConfigDocInstrument& b) const override
+    {
+        return a.Name().get() == b.Name().get();
+    }
+};
+
 /// The description file's document, tag `config`: `title`, `description`, `services`,
-/// `defines` and `buttons`. Read it with configure(); the Get functions build fresh runtime
-/// objects, so applying macros never rewrites the document.
+/// `defines`, `buttons`, and optionally `instruments`, for instruments that DNS-SD cannot reach:
+///
+///     <instruments>
+///       <instrument><name>lab</name><model>tolvan</model><address>10.0.0.5</address></instrument>
+///     </instruments>
+///
+/// (an empty or missing `port` is the model's usual one). Read it with configure(); the Get
+/// functions build fresh runtime objects, so applying macros never rewrites the document.
 class ConfigDoc : public ConfigurableComposite {
 public:
     ConfigDoc();
@@ -210,6 +248,9 @@ public:
     void GetServices(std::vector<std::string>& services) const;
     /// Appends the buttons in file order.
     void GetButtons(std::vector<std::shared_ptr<ButtonConfig>>& buttons) const;
+    /// Appends the instruments named by hand in file order, leaving out a malformed entry and
+    /// appending to `errors` one line for it: its name and what is wrong.
+    void GetInstruments(std::vector<NamedInstrument>& instruments, std::vector<std::string>& errors) const;
 
 private:
     ConfigurableString _title{"title", ""};
@@ -217,4 +258,5 @@ private:
     ConfigDocServices _services;
     ConfigDocDefines _defines;
     ConfigDocButtons _buttons;
+    ConfigDocInstruments _instruments;
 };

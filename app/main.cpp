@@ -1,5 +1,6 @@
 #include <QApplication>
 
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,10 +15,12 @@ int main(int argc, char* argv[])
     // QApplication takes its own options out of argc and argv; the rest is ours.
     QApplication application(argc, argv);
     const CommandLine command_line = ParseCommandLine(std::vector<std::string>(argv, argv + argc));
+    for (const std::string& error : command_line.errors)
+        std::cerr << "sondar: skipping " << error << std::endl;
 
     std::unique_ptr<QMainWindow> window;
     if (command_line.mode == CommandLine::MAIN)
-        window = std::make_unique<MyMainWindow>("Arvex Sondar", program_path);
+        window = std::make_unique<MyMainWindow>("Arvex Sondar", program_path, command_line.instruments);
     else
         window = std::make_unique<MyCalMainWindow>("Arvex Calibration Control Panel", command_line.name,
                                                    command_line.address, command_line.port);

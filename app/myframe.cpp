@@ -117,7 +117,8 @@ bool MyFrame::WindowRequest::operator==(const WindowRequest& other) const
            scope == other.scope && port == other.port && from_list == other.from_list;
 }
 
-MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::string& program_path)
+MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::string& program_path,
+                 const std::vector<NamedInstrument>& instruments)
     : QWidget(parent), _client(this)
 {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -191,6 +192,15 @@ MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::strin
 
     Browse();
     AddOtherHost();
+
+    std::vector<NamedInstrument> named;
+    std::vector<std::string> errors;
+    _doc.GetInstruments(named, errors);
+    for (const std::string& error : errors)
+        std::cerr << "sondar: " << DescriptionFilePath() << ": skipping <instrument> " << error << std::endl;
+    named.insert(named.end(), instruments.begin(), instruments.end());
+    for (const NamedInstrument& instrument : named)
+        AddNamedInstrument(instrument);
 }
 
 std::string MyFrame::DescriptionFilePath()
@@ -280,6 +290,12 @@ void MyFrame::AddOtherHost()
     address.Port(kOtherPort);
     AddService("Other...", "_arvex-other._tcp", "local.", 1, "other.local.", address,
                {{"company", "Arvex"}, {"model", ""}, {"ver", ""}});
+}
+
+void MyFrame::AddNamedInstrument(const NamedInstrument& instrument)
+{
+    AddService(instrument.name, instrument.ServiceType(), "local.", 0, instrument.address.Presentation(),
+               instrument.address, instrument.Txt());
 }
 
 void MyFrame::GetButtonList(std::vector<ButtonMarkup>& buttons) const

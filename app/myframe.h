@@ -11,6 +11,7 @@
 
 #include "app/configdoc.h"
 #include "app/instinfo.h"
+#include "app/namedinstrument.h"
 #include "discovery/bonjourclient.h"
 
 class QLabel;
@@ -42,8 +43,9 @@ private:
 /// The central widget of the main window and the discovery client's listener. At construction
 /// it reads the description file (application directory, application name, ".xml"; its replies go
 /// to standard output), builds the button column from it, browses for its service types and adds
-/// the "Other..." row, which reaches an instrument by address. Discovery failures are printed to
-/// standard output as "ERROR: " lines; the panel shows none.
+/// the "Other..." row, which reaches an instrument by address, and lists the instruments named by
+/// hand. Discovery failures are printed to standard output as "ERROR: " lines; the panel shows
+/// none.
 class MyFrame : public QWidget, public BonjourClientListener {
     Q_OBJECT
 public:
@@ -82,8 +84,10 @@ public:
 
     /// `title` is not used: the window's title comes from the description file. `program_path`
     /// (argument 0) gives the program directory, and a path with "update" in it, case not
-    /// counting, blanks the fourth column's header.
-    MyFrame(QWidget* parent, const std::string& title, const std::string& program_path);
+    /// counting, blanks the fourth column's header. The description file's instruments and then
+    /// `instruments` join the list; a malformed file entry is reported on standard error.
+    MyFrame(QWidget* parent, const std::string& title, const std::string& program_path,
+            const std::vector<NamedInstrument>& instruments = {});
 
     /// The description file's path: application directory, separator, application name, ".xml".
     static std::string DescriptionFilePath();
@@ -109,6 +113,9 @@ public:
     void Browse();
     /// Adds the "Other..." row: 127.0.0.1 port 4410, type "_arvex-other._tcp".
     void AddOtherHost();
+    /// Adds an instrument named by hand through AddService, as its model would announce itself;
+    /// its host is the address.
+    void AddNamedInstrument(const NamedInstrument& instrument);
     /// Caption and service of each button of the description file, defines applied.
     void GetButtonList(std::vector<ButtonMarkup>& buttons) const;
     /// Rebuilds the tree from the list: the selection is lost, the buttons are reset and the

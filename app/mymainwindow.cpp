@@ -14,10 +14,11 @@ const char* const kOrganisation = "Arvex";
 const char* const kApplication = "sondar";
 }  // namespace
 
-MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_path)
+MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_path,
+                           const std::vector<NamedInstrument>& instruments)
     : _about_text_path(AboutTextPath(program_path))
 {
-    auto* frame = new MyFrame(this, title, program_path);
+    auto* frame = new MyFrame(this, title, program_path, instruments);
 
     auto* about = new QAction("&About...", this);
     connect(about, &QAction::triggered, this, &MyMainWindow::OnAbout);

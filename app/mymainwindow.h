@@ -4,6 +4,9 @@
 #include <QMainWindow>
 
 #include <string>
+#include <vector>
+
+#include "app/namedinstrument.h"
 
 class QCloseEvent;
 
@@ -13,8 +16,10 @@ class MyMainWindow : public QMainWindow {
     Q_OBJECT
 public:
     /// `title` is not shown: the description file names the window. `program_path` (argument 0)
-    /// locates the About box's text and the panel's helper programs.
-    MyMainWindow(const std::string& title, const std::string& program_path);
+    /// locates the About box's text and the panel's helper programs. The list shows `instruments`
+    /// besides those announced.
+    MyMainWindow(const std::string& title, const std::string& program_path,
+                 const std::vector<NamedInstrument>& instruments = {});
 
 public slots:
     /// Runs the About box modally.

@@ -45,18 +45,34 @@ private:
     size_t _pos;
 };
 
-// A decimal number as a stream would read it, 0 when it does not parse: a leading "+" is
-// allowed, "inf" and "nan" are not, trailing text is ignored.
+bool is_digit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// A field as a fresh stream reads it, 0 when it does not parse. Kept out of the fast path.
+template <class Number>
+[[gnu::cold]] double stream_read(std::string_view token, std::ios_base& (*base)(std::ios_base&))
+{
+    std::istringstream in{std::string(token)};
+    Number value;
+    return in >> base >> value ? double(value) : 0.0;
+}
+
+// Plain numbers, all that instruments send, go through from_chars. Anything else ("1e", "+-5",
+// "inf", overflow, trailing text) is left to a stream itself, so that the two cannot differ.
 double parse_double(std::string_view token)
 {
-    if (!token.empty() && token[0] == '+')
-        token.remove_prefix(1);
-    const size_t digits = !token.empty() && token[0] == '-' ? 1 : 0;
-    if (token.size() <= digits || !(std::isdigit(static_cast<unsigned char>(token[digits])) || token[digits] == '.'))
-        return 0.0;
-    double value = 0.0;
-    const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
-    return result.ec == std::errc() ? value : 0.0;
+    // from_chars knows no "+" and takes "inf" and "nan", which a stream refuses.
+    const size_t sign = !token.empty() && (token[0] == '+' || token[0] == '-');
+    if (token.size() > sign && (is_digit(token[sign]) || token[sign] == '.')) {
+        double value;
+        const char* const last = token.data() + token.size();
+        const auto [end, error] = std::from_chars(token.data() + (token[0] == '+'), last, value);
+        if (error == std::errc() && end == last)
+            return value;
+    }
+    return stream_read<double>(token, std::dec);
 }
 
 // Test records may carry 16-bit hexadecimal fields, "0x00ff".
@@ -64,9 +80,12 @@ double parse_test_field(std::string_view token)
 {
     if (token.size() < 3 || token.substr(0, 2) != "0x")
         return parse_double(token);
-    uint16_t value = 0;
-    const auto result = std::from_chars(token.data() + 2, token.data() + token.size(), value, 16);
-    return result.ec == std::errc() ? double(value) : 0.0;
+    uint16_t value;
+    const char* const last = token.data() + token.size();
+    const auto [end, error] = std::from_chars(token.data() + 2, last, value, 16);
+    if (error == std::errc() && end == last)
+        return value;
+    return stream_read<uint16_t>(token, std::hex);
 }
 
 void show_message_box(QWidget* parent, const QString& title, const QString& text)
@@ -495,8 +514,8 @@ void Connector::_Connect(const std::string& address, int scope, int port)
         if (iface.isValid())
             host.setScopeId(iface.name());
     }
-    _connected_to = address + (scope != 0 ? "%" + std::to_string(scope) : "") + ":" + std::to_string(port);
     _socket->connectToHost(host, quint16(port), QIODevice::ReadWrite);
+    _connected_to = address + (scope != 0 ? "%" + std::to_string(scope) : "") + ":" + std::to_string(port);
 }
 
 void Connector::Disconnect()

@@ -152,6 +152,16 @@ public:
 signals:
     void Connected();
     void Disconnected();
+    // Part of the interface that windows may connect to; the connector itself never emits them.
+    void GotDataLabel(int row, int col, std::string label);
+    void GotDataValue(int row, int col, double x, double y, std::string name);
+    void GotDataString(int row, int col, std::string text);
+    void GotDataEnd();
+    void GotDataS(std::string line);
+    void GotDataR(std::string line);
+    void GotDataSDC(std::string line);
+    void GotDataRDC(std::string line);
+    /// The document changed, by a message from the instrument or by changes just sent.
     void GotXMLChanges();
 
 public slots:

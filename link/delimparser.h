@@ -16,7 +16,11 @@ public:
     void AppendRawData(const std::string& data) { _raw.append(data); }
     void AppendRawData(const std::vector<char>& data) { _raw.append(data.begin(), data.end()); }
     void AppendRawData(const char* data, size_t size) { _raw.append(data, size); }
-    void ClearRawData() { _raw.clear(); }
+    void ClearRawData()
+    {
+        _raw.clear();
+        _scanned = 0;
+    }
 
     /// Takes out the data up to and including the earliest delimiter (the first added wins a tie;
     /// an empty delimiter is found at once). False, and nothing taken, when none is found.

@@ -38,7 +38,7 @@ std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history)
 }
 
 CalTolvanDialog::CalTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc, bool standalone)
-    : QDialog(parent), _doc(doc)
+    : QDialog(parent), _doc(doc), _standalone(standalone)
 {
     if (standalone) {
         setWindowFlags(Qt::WindowFlags());
@@ -143,6 +143,14 @@ void CalTolvanDialog::OnClearHistoryClicked()
 void CalTolvanDialog::OnXMLChanged()
 {
     _UpdateFromXML();
+}
+
+void CalTolvanDialog::reject()
+{
+    if (_standalone)
+        emit OnCloseClicked();
+    else
+        QDialog::reject();
 }
 
 void CalTolvanDialog::_UpdateFromXML()

@@ -48,11 +48,14 @@ public slots:
     /// the history; the tree shows what the document holds once it is sent.
     void OnClearHistoryClicked();
     void OnXMLChanged();
+    /// Escape: stand-alone, the panel is the whole window, so it closes as "Close" does.
+    void reject() override;
 
 private:
     void _UpdateFromXML();
 
     DocTolvan* _doc;
+    bool _standalone;
     QLabel* _last_zero;
     QLabel* _last_span;
     QLineEdit* _span_gas;

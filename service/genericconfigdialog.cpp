@@ -376,8 +376,13 @@ void GenericConfigDialog::OnOk()
 
 void GenericConfigDialog::OnCancel()
 {
+    reject();
+}
+
+void GenericConfigDialog::reject()
+{
     _UpdateFromXML();
-    close();
+    QDialog::reject();
 }
 
 void GenericConfigDialog::OnCustomButtonPressed(QString label)

@@ -66,6 +66,8 @@ public slots:
     void OnCustomButtonXMLPressed(QString message);
     /// The link has new values: the form shows them.
     void OnXMLChanged();
+    /// Closing without OK (Cancel, Escape, the window's close box) drops the edits not applied.
+    void reject() override;
 
 private:
     void _AddPage(const QString& name, Configurable& node);

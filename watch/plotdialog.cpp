@@ -18,6 +18,8 @@
 #include <qwt_plot_curve.h>
 #include <qwt_plot_panner.h>
 
+#include "watch/densecurve.h"
+
 namespace {
 
 // Retained whatever the axis shows.
@@ -196,7 +198,7 @@ void PlotDialog::_AddPlotItem(const std::string& text, bool right)
     const QColor color(_PenColors[_variables.size() % _PenColors.size()]);
     _variables.push_back(std::make_unique<_PlotData>(text, _variables.empty() ? this : nullptr));
 
-    auto* curve = new QwtPlotCurve(QwtText(QString::fromStdString(text)));
+    auto* curve = new DenseCurve(QwtText(QString::fromStdString(text)));
     curve->setStyle(QwtPlotCurve::Lines);
     curve->setPaintAttribute(QwtPlotCurve::FilterPoints, true);
     curve->setPen(color);

@@ -255,9 +255,8 @@ void PlotWaveDialog::_PlotXUpdated(const std::string& variable, bool fixedRange,
 
 void PlotWaveDialog::OnCheckboxStateChanged(int state)
 {
-    _scale = state != 0;
-    _first.scaleMiddle = _scale;
-    _second.scaleMiddle = _scale;
+    _first.scaleMiddle = state != 0;
+    _second.scaleMiddle = state != 0;
 }
 
 void PlotWaveDialog::OnNormalizedChanged(int state)

@@ -98,6 +98,5 @@ private:
     QwtPlotCurve* _first_curve;
     QwtPlotCurve* _second_curve;
     QwtLegend* _legend;
-    bool _scale = false;
     _PlotData _first, _second;
 };

@@ -18,8 +18,9 @@
 
 namespace {
 
-const char* const kRecords[] = {"DATAH",          "DATA",          "DATASTATH", "DATASTAT", "DATADIAGH",
-                                "DATADIAG",       "DATACLOCKSYNCH", "DATACLOCKSYNC", "DATATESTH", "DATATEST"};
+// The table's pairs: a header record, then its data record.
+const char* const kRecords[] = {"DATAH",    "DATA",           "DATASTATH",     "DATASTAT",  "DATADIAGH",
+                                "DATADIAG", "DATACLOCKSYNCH", "DATACLOCKSYNC", "DATATESTH", "DATATEST"};
 
 // "DATASTAT" is the window's clock; the other data records are read when it comes.
 const char* const kListenedTo[] = {"DATAH", "DATASTATH", "DATADIAGH", "DATACLOCKSYNCH", "DATATESTH", "DATASTAT"};

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,7 @@ TEST(CommandLine, Table) {
         {{"cal", "X", "Y", "-1"}, DIAL, "X", "Y", -1},
         {{"cal", "X", "fe80::1", "4410", "extra", "more"}, DIAL, "X", "fe80::1", 4410},
         {{"cal", "My Tolvan", "127.0.0.1", "4410"}, DIAL, "My Tolvan", "127.0.0.1", 4410},
+        {{"cal", "X", "--instrument", "a=tolvan@1.2.3.4"}, BROWSE, "X", "", 0},  // not read here
     };
     for (const Row& r : rows) {
         std::vector<std::string> args{"/opt/arvex/sondar"};
@@ -53,6 +55,43 @@ TEST(CommandLine, Table) {
         EXPECT_EQ(c.name, r.name) << shown;
         EXPECT_EQ(c.address, r.address) << shown;
         EXPECT_EQ(c.port, r.port) << shown;
+    }
+}
+
+// Each row gives its instruments as "name|model|address|scope|port;" and its errors.
+TEST(CommandLine, InstrumentsNamedByHand) {
+    const std::string models = " (one of tolvan, morvik, sarnel, halden, dravik, quenta, bremmel, ostrel)";
+    const struct {
+        std::vector<std::string> args;  // after the program name
+        std::string expected;
+    } rows[] = {
+        {{"--instrument", "lab=tolvan@10.0.0.5:4411"}, "lab|tolvan|10.0.0.5|0|4411;"},
+        {{"--instrument", "b=bremmel@127.0.0.1", "-x", "--instrument", "o=ostrel@127.0.0.1"},
+         "b|bremmel|127.0.0.1|0|50111;o|ostrel|127.0.0.1|0|4460;"},  // the model's usual port
+        {{"--instrument", "v6=halden@[fe80::1%3]:4431"}, "v6|halden|fe80::1|3|4431;"},
+        {{"cal", "", "--instrument", "s=sarnel@[::1]"}, "s|sarnel|::1|0|4420;"},
+        {{"--instrument", "a=Tolvan@1", "--instrument", "q=quenta@1.2.3.4"},
+         "q|quenta|1.2.3.4|0|4450;--instrument \"a=Tolvan@1\": unknown model \"Tolvan\"" + models},
+        {{"--instrument", "a=tolvan@1.2.3.4:65536"},
+         "--instrument \"a=tolvan@1.2.3.4:65536\": port \"65536\" is not a number from 1 to 65535"},
+        {{"--instrument", "a=tolvan@::1"},
+         "--instrument \"a=tolvan@::1\": an IPv6 address goes in brackets: [ADDRESS]:PORT"},
+        {{"--instrument", "a=tolvan@lab"},
+         "--instrument \"a=tolvan@lab\": \"lab\" is not a numeric IPv4 or IPv6 address"},
+        {{"--instrument", "a=tolvan"}, "--instrument \"a=tolvan\": the form is NAME=MODEL@ADDRESS[:PORT]"},
+        {{"--instrument"}, "--instrument: NAME=MODEL@ADDRESS[:PORT] must follow"},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> args{"sondar"};
+        args.insert(args.end(), row.args.begin(), row.args.end());
+        const CommandLine c = ParseCommandLine(args);
+        std::ostringstream got;
+        for (const NamedInstrument& i : c.instruments)
+            got << i.name << "|" << i.model << "|" << i.address << "|" << i.address.Scope() << "|" << i.address.Port()
+                << ";";
+        for (const std::string& error : c.errors)
+            got << error;
+        EXPECT_EQ(got.str(), row.expected);
     }
 }
 

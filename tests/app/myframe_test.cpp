@@ -50,10 +50,11 @@ class Panel : public ::testing::Test {
 protected:
     void SetUp() override { DnsSdDouble::Reset(); }
 
-    RecordingFrame& Make(const std::string& program_path = "/opt/arvex/sondar")
+    RecordingFrame& Make(const std::string& program_path = "/opt/arvex/sondar",
+                         const std::vector<NamedInstrument>& instruments = {})
     {
         _window = std::make_unique<QWidget>();
-        _frame = new RecordingFrame(_window.get(), "Arvex Sondar", program_path);
+        _frame = new RecordingFrame(_window.get(), "Arvex Sondar", program_path, instruments);
         return *_frame;
     }
 
@@ -489,6 +490,32 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     _frame->ExecuteExternalCommand(7, _frame->Instruments()[0]);
     EXPECT_EQ(_frame->findChild<ExternalDialog*>(), nullptr);
     ExternalDialog::SetMessageBox(nullptr);
+}
+
+// Named in the description file or on the command line, an instrument is a row like an
+// announced one, and opens the window its model calls for on its address.
+TEST_F(Panel, InstrumentsNamedByHandAreListedAsIfAnnounced)
+{
+    DescriptionFile file("<config><instruments><instrument><name>sim-tolvan</name><model>tolvan</model>"
+                         "<address>127.0.0.1</address></instrument><instrument><name>broken</name></instrument>"
+                         "</instruments></config>");
+    testing::internal::CaptureStderr();
+    Make("/opt/arvex/sondar", {NamedInstrument::Parse("far=morvik@[fe80::9%2]:4421")});
+    EXPECT_NE(testing::internal::GetCapturedStderr().find(": skipping <instrument> \"broken\": unknown model"),
+              std::string::npos);
+    EXPECT_EQ(Rows(), (std::vector<QStringList>{{"far", "Pelsen (Tolvan)", "", ""},
+                                                {"Other...", "", "", ""},
+                                                {"sim-tolvan", "Tolvan", "", ""}}));
+
+    _frame->OnItemDoubleClicked(Select("sim-tolvan"), 0);
+    Tree().clearSelection();
+    _frame->OnItemDoubleClicked(Select("far"), 0);
+    EXPECT_TRUE(Info().contains("<strong>IP: </strong>fe80::9%2:4421")) << Info().toStdString();
+    ASSERT_EQ(_frame->opened.size(), 2u);
+    EXPECT_EQ(_frame->opened[0],
+              (MyFrame::WindowRequest{Window::WatchTolvan, "sim-tolvan", "tolvan", "127.0.0.1", 0, 4410, true}));
+    EXPECT_EQ(_frame->opened[1],
+              (MyFrame::WindowRequest{Window::ConfigMorvik, "far", "morvik", "fe80::9", 2, 4421, true}));
 }
 
 // --- with discovery ---

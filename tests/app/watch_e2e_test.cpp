@@ -28,9 +28,8 @@ TEST(WatchEndToEnd, OtherRowOpensALiveWatchOnASimulatedTolvan)
     ASSERT_TRUE(watch);
     EXPECT_EQ(watch->windowTitle(), "Watching Tolvan: 127.0.0.1: IP=127.0.0.1");
 
-    // Row 5 of "DATASTAT" is the laser's temperature.
+    // Row 5 of "DATASTAT" is the laser's temperature; "DATA" shows from the first "DATASTAT" after it.
     auto* table = watch->findChild<MyTableWidget*>();
-    // "DATA" is shown at each "DATASTAT"; the first "DATASTAT" may come before any "DATA".
     const auto filled = [&](int row, int column) {
         return table->item(row, column) && !table->item(row, column)->text().isEmpty();
     };

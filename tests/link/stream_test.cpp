@@ -44,6 +44,14 @@ TEST(DelimParser, DelimitersAndLines)
     EXPECT_EQ(out, "two\n");
     ASSERT_TRUE(lines.GetNextStringToEOL(out));
     EXPECT_EQ(out, "\n");
+
+    // Clearing also forgets how far the old data was searched.
+    lines.AppendRawData(std::string("no line feed yet"));
+    EXPECT_FALSE(lines.GetNextStringToEOL(out));
+    lines.ClearRawData();
+    lines.AppendRawData(std::string("a\nb\n"));
+    ASSERT_TRUE(lines.GetNextStringToEOL(out));
+    EXPECT_EQ(out, "a\n");
 }
 
 TEST(VariableString, Fields)
@@ -166,6 +174,28 @@ TEST_F(StreamTest, TestRecordsReadHexadecimal)
     EXPECT_EQ(connector->VarNumeric(name + ":DATATEST:B"), 0);
     EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 0);
     EXPECT_DOUBLE_EQ(connector->Time(), 1 + 2e-9);  // the data record came last
+}
+
+// A field reads as a fresh stream reads it: trailing text ignored, 0 when it does not parse.
+TEST_F(StreamTest, FieldsReadAsAStreamReadsThem)
+{
+    connector->HandleData("DATAH\tA\tB\tC\n");
+    connector->HandleData("DATATESTH\tA\n");
+    const struct {
+        const char *record, *token;
+        double value;
+    } rows[] = {
+        {"DATA", "-.5", -0.5}, {"DATA", "1e5e3", 1e5}, {"DATA", "1.5.3", 1.5}, {"DATA", "5-", 5}, {"DATA", "1e", 0},
+        {"DATA", "1e+", 0},    {"DATA", "1.5E-", 0},   {"DATA", "+-5", 0},     {"DATA", "--5", 0},   {"DATA", "inf", 0},
+        {"DATA", "1e999", 0},  {"DATA", "0x10", 0},    {"DATATEST", "0xFFFF", 65535}, {"DATATEST", "0x1g", 1},
+        {"DATATEST", "2.5", 2.5}, {"DATATEST", "1e", 0},
+        {"DATATEST", "0x10000", 0}, {"DATATEST", "0x10001", 0},  // past 16 bits the stream fails: no wrap, no clamp
+    };
+    for (const auto& row : rows) {
+        connector->HandleData(with_sum(std::string(row.record) + "\t" + row.token + "\t1\t2\t"));
+        EXPECT_EQ(connector->VarNumeric(name + ":" + row.record + ":A"), row.value) << row.record << " " << row.token;
+        EXPECT_EQ(connector->VarStrings(row.record)[0], row.token);
+    }
 }
 
 TEST_F(StreamTest, DiagnosticWordIsUnpacked)

@@ -10,14 +10,9 @@
 
 namespace {
 
-const std::string RECORD = "<record><time>%T</time><type>%Y</type><ch4zero>0.5</ch4zero><ch4span>1.25</ch4span></record>";
-
 std::string record(const std::string& time, const std::string& type)
 {
-    std::string text = RECORD;
-    text.replace(text.find("%T"), 2, time);
-    text.replace(text.find("%Y"), 2, type);
-    return text;
+    return "<record><time>" + time + "</time><type>" + type + "</type><ch4zero>0.5</ch4zero><ch4span>1.25</ch4span></record>";
 }
 
 std::string cal(const std::string& body)
@@ -56,7 +51,7 @@ TEST(CalTolvanDialog, CommandsGoOutAsTypedSpanGasFirst)
     for (const CommandCase& c : cases) {
         dialog.findChild<QLineEdit*>()->setText(QString::fromUtf8(c.span_gas));
         Click(&dialog, c.button);
-        EXPECT_EQ(wire.WaitFor([](const std::string& line) { return line.find("<cmd>") != std::string::npos; }), c.line);
+        EXPECT_EQ(wire.WaitForText("<cmd>"), c.line);
     }
 }
 
@@ -75,11 +70,8 @@ TEST(CalTolvanDialog, DrawsLabelsHistoryAndSpanGasFromTheDocument)
                   "<history>" + record("2026-01-03 08:00:00", "CH4 Span") + record("2026-01-01 09:30:00", "CH4 Zero") +
                   record("2026-01-02 10:00:00", "CH4 Zero") + "</history>"));
     EXPECT_EQ(span_gas->text(), "3.0");
-    QStringList labels;
-    for (QLabel* label : dialog.findChildren<QLabel*>())
-        labels << label->text();
-    EXPECT_TRUE(labels.contains("Last Zero: 0.012; 2026-01-02 10:00:00")) << labels.join("|").toStdString();
-    EXPECT_TRUE(labels.contains("Last Span: 1; 1989-01-01 00:00:00")) << labels.join("|").toStdString();
+    EXPECT_EQ(dialog.findChildren<QLabel*>()[0]->text(), "Last Zero: 0.012; 2026-01-02 10:00:00");
+    EXPECT_EQ(dialog.findChildren<QLabel*>()[1]->text(), "Last Span: 1; 1989-01-01 00:00:00");
 
     ASSERT_EQ(tree->topLevelItemCount(), 3);
     EXPECT_EQ(row(tree, 0), QStringList({"2026-01-01 09:30:00", "CH4 Zero", "0.5", "1.25"}));
@@ -120,7 +112,6 @@ TEST(CalTolvanDialog, ClearOldHistoryOnlyWhenConfirmed)
     const std::string sent = wire.WaitForText("<history>");
     EXPECT_EQ(sent, "<arvex><tolvan><cal><history>" + record("2026-01-03 08:00:00", "CH4 Span") +
                         record("2026-01-02 10:00:00", "CH4 Zero") + "</history></cal></tolvan></arvex>\n");
-    EXPECT_FALSE(wire.Seen("09:30"));
     ASSERT_EQ(tree->topLevelItemCount(), 2);
     EXPECT_EQ(row(tree, 0)[1], "CH4 Zero");
 }

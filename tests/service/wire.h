@@ -15,18 +15,15 @@
 #include <QTest>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "link/connector.h"
 
-// Generous: sanitizer builds on a busy machine are slow.
-inline constexpr int WIRE_TIMEOUT_MS = 30000;
+inline constexpr int WIRE_TIMEOUT_MS = 30000;  // sanitizer builds on a busy machine are slow
 
-class Wire {
-public:
+struct Wire {
     explicit Wire(const std::string& type = "tolvan")
     {
         EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0));
@@ -39,7 +36,7 @@ public:
         connector->Doc()._set_changed(false);
     }
 
-    /// The three joints a watch window makes for a tool window.
+    /// The joints a watch window makes for a tool window; JoinRaw with its ready-made messages.
     template <class Dialog>
     void Join(Dialog* dialog)
     {
@@ -53,34 +50,18 @@ public:
         QObject::connect(dialog, &Dialog::SendRawXML, connector.get(), &Connector::OnSendRawXML);
     }
 
-    /// Reads lines until one satisfies `want` and returns it; "" if none comes.
-    std::string WaitFor(const std::function<bool(const std::string&)>& want)
-    {
-        std::string found;
-        (void)QTest::qWaitFor([&] {
-            while (socket->canReadLine()) {
-                lines.push_back(socket->readLine().toStdString());
-                if (want(lines.back())) {
-                    found = lines.back();
-                    return true;
-                }
-            }
-            return false;
-        }, WIRE_TIMEOUT_MS);
-        return found;
-    }
-    /// The next line that contains `text`.
+    /// The next line sent that contains `text`; "" if none comes.
     std::string WaitForText(const std::string& text)
     {
-        return WaitFor([&](const std::string& line) { return line.find(text) != std::string::npos; });
-    }
-    /// Whether any line read so far contains `text`.
-    bool Seen(const std::string& text) const
-    {
-        for (const std::string& line : lines)
-            if (line.find(text) != std::string::npos)
-                return true;
-        return false;
+        std::string line;
+        const auto wanted = [&] { return line.find(text) != std::string::npos; };
+        (void)QTest::qWaitFor([&] {
+            while (socket->canReadLine())
+                if (line = socket->readLine().toStdString(), wanted())
+                    return true;
+            return false;
+        }, WIRE_TIMEOUT_MS);
+        return wanted() ? line : "";
     }
 
     /// The instrument says `line`; returns once the document has taken it.
@@ -96,11 +77,9 @@ public:
     QTcpServer server;
     QTcpSocket* socket = nullptr;
     std::shared_ptr<Connector> connector;
-    std::vector<std::string> lines;
 };
 
-/// Presses the button labelled `label` of the next message box that comes up; `label` empty
-/// dismisses it with Escape.
+/// Presses the button labelled `label` of the next message box; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)
 {
     auto* poll = new QTimer;
@@ -108,15 +87,12 @@ inline void AnswerNextMessageBox(const QString& label)
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box)
             return;
-        poll->stop();
         poll->deleteLater();
-        if (label.isEmpty()) {
-            box->reject();
-            return;
-        }
+        poll->stop();
         for (QAbstractButton* button : box->buttons())
             if (button->text() == label)
-                button->click();
+                return button->click();
+        box->reject();
     });
     poll->start(10);
 }
@@ -131,14 +107,11 @@ inline std::vector<QLineEdit*> Edits(QWidget* parent)
     return edits;
 }
 
-/// Clicks the button of `parent` labelled `label` (the first, if several); fails the test when
-/// there is none.
+/// Clicks the first button of `parent` labelled `label`.
 inline void Click(QWidget* parent, const QString& label)
 {
     for (QAbstractButton* button : parent->findChildren<QAbstractButton*>())
-        if (button->text() == label) {
-            button->click();
-            return;
-        }
+        if (button->text() == label)
+            return button->click();
     ADD_FAILURE() << "no button " << label.toStdString();
 }

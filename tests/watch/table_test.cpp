@@ -56,7 +56,7 @@ TEST_F(WatchTable, PairsFillFromHeadersAndKeepTheirRows)
     Feed("DATAH\tA\tB\tC\tD\tCHK\n");
     Feed(with_sum("DATA\t1\t2\t3\t4\t"));
     EXPECT_EQ(Column(1), QStringList({"<none>", "<none>", "<none>", "<none>", "<none>", "<none>"}));
-    Feed(stat_line(100.5, "5\t25.125"));
+    Feed(with_sum("DATASTAT\t0\t100\t500000000\t5\t25.125\t"));
     EXPECT_EQ(Column(1).mid(0, 4), (QStringList{"1", "2", "3", "4"}));  // then the sum, then a blank
     EXPECT_EQ(Column(1)[5], "<none>");
     EXPECT_EQ(Column(3).mid(0, 5), (QStringList{"0", "100", "500000000", "5", "25.125"}));

@@ -2,9 +2,12 @@
 
 #include "watch/watchtolvandialog.h"
 
+#include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QGroupBox>
 #include <QPointer>
+
+#include <map>
 
 #include "tests/sim/sim_process.h"
 #include "tests/watch/watch_test_util.h"
@@ -55,6 +58,23 @@ TEST(WatchTools, EveryToolButtonOpensItsOneWorkingWindow)
         if (group->title() == "Cooler Temperature Control")
             group->findChild<QDoubleSpinBox*>()->setValue(31.25);
     EXPECT_TRUE(QTest::qWaitFor([&] { return connector.VarNumeric("tools-sim:DATASTAT:LCTSET") == 31.25; }, TIMEOUT_MS));
+
+    // 10 Hz in the rate window: ten DATA records in every whole second of the instrument's clock
+    // (field SECONDS) after the change; the first and the last second seen may be cut short.
+    RawClient counter;
+    ASSERT_TRUE(counter.Connect(sim.port));
+    auto* rates = shown_dialog(*window, "Output Rate: tools-sim")->findChild<QComboBox*>();
+    rates->setCurrentIndex(rates->findText("10 Hz"));
+    counter.WaitFor([](const std::string& line) { return line.find("<rate>10</rate>") != std::string::npos; });
+    std::map<long long, int> per_second;
+    counter.WaitFor([&](const std::string& line) {
+        if (line.rfind("DATA\t", 0) == 0)
+            ++per_second[QString::fromStdString(line).split('\t')[2].toLongLong()];
+        return per_second.size() >= 4;
+    });
+    ASSERT_EQ(per_second.size(), 4u);
+    EXPECT_EQ(std::next(per_second.begin(), 1)->second, 10);
+    EXPECT_EQ(std::next(per_second.begin(), 2)->second, 10);
 
     window->close();
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, TIMEOUT_MS));

@@ -18,13 +18,6 @@ inline std::string test_host()
     return ::testing::UnitTest::GetInstance()->current_test_info()->name();
 }
 
-/// A Tolvan "DATASTAT" (time in fields 2 and 3) with its sum.
-inline std::string stat_line(double seconds, const std::string& rest)
-{
-    return with_sum("DATASTAT\t0\t" + std::to_string(long(seconds)) + "\t" +
-                    std::to_string(long((seconds - long(seconds)) * 1e9)) + "\t" + rest + "\t");
-}
-
 /// The push button of `window` that reads `text`, or null.
 inline QPushButton* find_button(const QWidget& window, const QString& text)
 {

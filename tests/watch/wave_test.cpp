@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numeric>
 
 #include <qwt_plot_zoomer.h>
 
@@ -15,19 +16,15 @@ namespace {
 std::string waveform(const std::string& record, const std::vector<double>& values)
 {
     std::string line = record + "\t25.0";
-    for (double value : values) {
-        char text[32];
-        std::snprintf(text, sizeof text, "\t%g", value);
-        line += text;
-    }
+    for (double value : values)
+        line += "\t" + QString::number(value).toStdString();
     return line + "\t123\n";
 }
 
 TEST(Waveform, ScaleTakesTheRangeFromTheMiddlePoints)
 {
-    std::vector<double> hundred;
-    for (int i = 1; i <= 100; ++i)
-        hundred.push_back(i);
+    std::vector<double> hundred(100);
+    std::iota(hundred.begin(), hundred.end(), 1.0);
     const double lowest = std::numeric_limits<double>::max();
     const struct {
         std::vector<double> values;
