@@ -50,7 +50,7 @@ private:
 ManyOptions many_options(int& argc, char** argv)
 {
     ManyOptions options;
-    options.sim = SONDAR_SIM_PATH;
+    options.sim = SONDAR_SIM;
     int kept = 1;
     for (int i = 1; i < argc; ++i) {
         const char* arg = argv[i];

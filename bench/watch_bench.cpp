@@ -16,6 +16,7 @@
 
 #include <qwt_plot.h>
 
+#include "bench/application.h"
 #include "bench/ratio.h"
 #include "watch/plotdialog.h"
 #include "watch/watchtolvandialog.h"
@@ -24,20 +25,6 @@ namespace {
 
 constexpr int FIELDS = 30;
 constexpr int CHART_POINTS = 300 * 40;
-
-// Widgets need the application; benchmarks run headless.
-void ensure_application()
-{
-    static QApplication* application = [] {
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-            qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "sondar_bench";
-        static char* argv[] = {name, nullptr};
-        return new QApplication(argc, argv);
-    }();
-    (void)application;
-}
 
 std::string with_sum(const std::string& body)
 {

@@ -24,7 +24,7 @@
 class SimHalden : public SimInstrument {
 public:
     /// Bytes of a raw capture compressed and sent at each step of time.
-    static constexpr int64_t RAW_BYTES_PER_STEP = 65536;
+    static constexpr int64_t RAW_BYTES_PER_STEP = 262144;
 
     explicit SimHalden(const std::string& name);
 

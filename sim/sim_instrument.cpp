@@ -244,7 +244,8 @@ void SimInstrument::Advance(double now)
             _SendData(_data_origin + double(_data_sent) / rate);
     }
 
-    _Stream();
+    if (!_stream_held)
+        _Stream();
 
     const long long status_due = (long long)(now - _power_up) + 1;
     if (status_due - _status_sent > 1)

@@ -63,6 +63,9 @@ public:
     std::string Headers() { return _Headers(); }
     /// Moves the instrument on to `now`, in seconds since it was made, and queues the records due.
     void Advance(double now);
+    /// While held, the bulk stream (a raw capture) waits and the records go on: a client is
+    /// behind, as the instrument's own link would be when its peer reads slowly.
+    void HoldStream(bool hold) { _stream_held = hold; }
     /// The lines queued for every client since the last call: records, headers, events.
     std::string TakeLines();
     /// Starts over as after power-up: committed values back, the stream from its beginning.
@@ -151,5 +154,6 @@ private:
     long long _data_sent = 0;
     long long _status_sent = 0;
     bool _light_source = false;
+    bool _stream_held = false;
     int _rate;
 };

@@ -129,6 +129,10 @@ void SimServer::_Serve(QTcpSocket* client, const std::string& message)
 
 void SimServer::_OnTick()
 {
+    bool behind = false;
+    for (const auto& entry : _clients)
+        behind = behind || entry.first->bytesToWrite() > STREAM_BACKLOG;
+    _instrument.HoldStream(behind);
     _instrument.Advance(double(_clock.nsecsElapsed()) * 1e-9 * _speed);
     _Broadcast(_instrument.TakeLines());
 }

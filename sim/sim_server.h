@@ -19,13 +19,16 @@ class SimInstrument;
 /// Each line from a client that begins with "<" is a message: its reply goes back to that client
 /// alone, and what it changed goes to every client, as an instrument reports its changes. The
 /// data stream goes to every client; a new client gets the units and headers at once. A client
-/// that leaves too much unread, or sends a line without end, is dropped, so that it can neither
-/// hold up the others nor make the server grow. A reboot closes every client and, for a moment,
-/// refuses connections.
+/// that falls behind holds back a raw capture; one that leaves too much unread, or sends a line
+/// without end, is dropped, so that it can neither hold up the others nor make the server grow. A
+/// reboot closes every client and, for a moment, refuses connections.
 class SimServer : public QObject {
 public:
     /// Bytes that may wait unsent to one client before it is dropped.
     static constexpr qint64 MAX_BACKLOG = 1 << 20;
+    /// Bytes waiting to one client that hold back the bulk stream, so that a capture of any
+    /// size paces itself to its slowest reader instead of getting it dropped.
+    static constexpr qint64 STREAM_BACKLOG = 1 << 18;
     /// Bytes of one unfinished incoming line before its client is dropped.
     static constexpr size_t MAX_LINE = 1 << 20;
     /// Lines of one client served in one turn of the event loop.

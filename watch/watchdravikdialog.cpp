@@ -1,5 +1,7 @@
 #include "watch/watchdravikdialog.h"
 
+#include "service/caldravikadvanceddialog.h"
+#include "service/caldravikdialog.h"
 #include "service/matchdialog.h"
 #include "service/modeldialogs.h"
 #include "watch/plotwavedialog.h"
@@ -13,11 +15,9 @@ WatchDravikDialog::WatchDravikDialog(QWidget* parent, const std::string& name, c
     _log_button->setText("Log...");  // it opens the connector's log dialog, whatever the state
     _light_source = _Button("Lt Src On", &WatchModelDialog::OnLightSourceClicked);
     _power = _Button("Pwr Off", &WatchDravikDialog::OnPowerClicked);
-    auto* cal = new QPushButton("Cal...", this);
-    cal->setEnabled(false);  // the calibration window comes with a later change
     _LayOut({{_Button("Reboot", &WatchDravikDialog::OnRebootClicked), _light_source, _power,
               _Button("Wave...", &WatchDravikDialog::OnWaveClicked), _log_button},
-             {cal, _Button("Config...", &WatchModelDialog::OnCfgClicked),
+             {_Button("Cal...", &WatchDravikDialog::OnCalClicked), _Button("Config...", &WatchModelDialog::OnCfgClicked),
               _Button("Factory...", &WatchModelDialog::OnFactoryClicked),
               _Button("Rate...", &WatchDravikDialog::OnRateClicked),
               _Button("Match...", &WatchDravikDialog::OnMatchClicked)}});
@@ -40,6 +40,27 @@ void WatchDravikDialog::OnWaveClicked()
         return new PlotWaveDialog(this, VariableString(host, "DATACELLA", "WAVEFORM").str(),
                                   VariableString(host, "DATACELLB", "WAVEFORM").str(), "Waveforms", "Cell A",
                                   "Cell B", 0, 0, 0, 0, 65535, true);
+    });
+}
+
+void WatchDravikDialog::OnCalClicked()
+{
+    ShowToolWindow(_cal, [this] {
+        auto* dialog = new CalDravikDialog(this, _connector->Host(), &_connector->Doc_Dravik(), false);
+        JoinToConnector(dialog, *_connector);
+        connect(dialog, &CalDravikDialog::OnAdvancedClicked, this, &WatchDravikDialog::OnCalAdvancedClicked);
+        return dialog;
+    });
+}
+
+void WatchDravikDialog::OnCalAdvancedClicked()
+{
+    ShowToolWindow(_cal_advanced, [this] {
+        auto* dialog = new CalDravikAdvancedDialog(this, _connector->Host(), &_connector->Doc_Dravik());
+        connect(dialog, &CalDravikAdvancedDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        connect(dialog, &CalDravikAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+        connect(_connector.get(), &Connector::GotXMLChanges, dialog, &CalDravikAdvancedDialog::OnXMLChanged);
+        return dialog;
     });
 }
 

@@ -3,14 +3,16 @@
 
 #include "watch/watchmodeldialog.h"
 
+class CalDravikAdvancedDialog;
+class CalDravikDialog;
 class GenericConfigDialog;
 class MatchDialog;
 class PlotWaveDialog;
 
 /// The live table of the Dravik's records: "DATA", "DATASTAT", "DATADIAG" and every record it
 /// announces later, repainted at most every 0.5 s of data time. Buttons: "Reboot", the light
-/// source and power toggles, the cell waveforms, configuration, factory and output settings, the
-/// match valve and the connector's log dialog.
+/// source and power toggles, the cell waveforms, calibration, configuration, factory and output
+/// settings, the match valve and the connector's log dialog.
 class WatchDravikDialog : public WatchModelDialog {
     Q_OBJECT
 public:
@@ -22,6 +24,9 @@ public slots:
     void OnPowerClicked();
     /// The waveforms of cells A and B.
     void OnWaveClicked();
+    /// The calibration panel; its "Advanced..." opens the coefficients.
+    void OnCalClicked();
+    void OnCalAdvancedClicked();
     /// Rate and averaging time of the output.
     void OnRateClicked();
     /// The match valve: straight, cross or toggled.
@@ -35,6 +40,8 @@ protected:
 
 private:
     PlotWaveDialog* _wave = nullptr;
+    CalDravikDialog* _cal = nullptr;
+    CalDravikAdvancedDialog* _cal_advanced = nullptr;
     GenericConfigDialog* _output = nullptr;
     MatchDialog* _match = nullptr;
 };

@@ -1,7 +1,11 @@
 #include "watch/watchhaldendialog.h"
 
+#include "libskarn/dochalden.h"
+#include "service/calhaldenadvanceddialog.h"
+#include "service/calhaldendialog.h"
 #include "service/modeldialogs.h"
 #include "watch/fpgahaldendialog.h"
+#include "watch/rawdatadialog.h"
 
 WatchHaldenDialog::WatchHaldenDialog(QWidget* parent, const std::string& name, const std::string& type)
     : WatchModelDialog(parent, name, type, "Halden", "halden",
@@ -9,18 +13,15 @@ WatchHaldenDialog::WatchHaldenDialog(QWidget* parent, const std::string& name, c
                        {"DATAH", "DATASTATH", "DATADIAGH", "DATATESTH", "DATA", "DATATEST"})
 {
     resize(750, 400);
-    auto* cal = new QPushButton("Cal...", this);
-    auto* raw = new QPushButton("Raw Capture...", this);
-    cal->setEnabled(false);  // calibration and raw capture come with a later change
-    raw->setEnabled(false);
     _LayOut({{_Button("Reboot", &WatchHaldenDialog::OnRebootClicked), _Button("Rect", &WatchHaldenDialog::OnRectClicked),
               _Button("MPF", &WatchHaldenDialog::OnMPFClicked),
               _Button("Induction", &WatchHaldenDialog::OnInductionClicked),
               _Button("Dark", &WatchHaldenDialog::OnDarkClicked), _Button("Break", &WatchHaldenDialog::OnBreakClicked),
               _Button("Reset", &WatchHaldenDialog::OnResetClicked)},
-             {cal, _Button("Config...", &WatchModelDialog::OnCfgClicked),
+             {_Button("Cal...", &WatchHaldenDialog::OnCalClicked), _Button("Config...", &WatchModelDialog::OnCfgClicked),
               _Button("Factory...", &WatchModelDialog::OnFactoryClicked),
-              _Button("FPGA I/O...", &WatchHaldenDialog::OnFPGAClicked), raw, _log_button}});
+              _Button("FPGA I/O...", &WatchHaldenDialog::OnFPGAClicked),
+              _Button("Raw Capture...", &WatchHaldenDialog::OnRawCaptureClicked), _log_button}});
 }
 
 void WatchHaldenDialog::GotConnectorData(Connector&, std::string)
@@ -69,6 +70,36 @@ void WatchHaldenDialog::OnFPGAClicked()
     ShowToolWindow(_fpga, [this] {
         auto* dialog = new FPGAHaldenDialog(this, _connector->Host());
         connect(dialog, &FPGAHaldenDialog::SendRawText, _connector.get(), &Connector::OnSendRawXML);
+        return dialog;
+    });
+}
+
+void WatchHaldenDialog::OnCalClicked()
+{
+    ShowToolWindow(_cal, [this] {
+        auto* dialog = new CalHaldenDialog(this, _connector->Host(), &_connector->Doc_Halden(), false);
+        JoinToConnector(dialog, *_connector);
+        connect(dialog, &CalHaldenDialog::OnAdvancedClicked, this, &WatchHaldenDialog::OnCalAdvancedClicked);
+        return dialog;
+    });
+}
+
+void WatchHaldenDialog::OnCalAdvancedClicked()
+{
+    ShowToolWindow(_cal_advanced, [this] {
+        auto* dialog = new CalHaldenAdvancedDialog(this, _connector->Host(), &_connector->Doc_Halden());
+        connect(dialog, &CalHaldenAdvancedDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        connect(dialog, &CalHaldenAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+        connect(_connector.get(), &Connector::GotXMLChanges, dialog, &CalHaldenAdvancedDialog::OnXMLChanged);
+        return dialog;
+    });
+}
+
+void WatchHaldenDialog::OnRawCaptureClicked()
+{
+    ShowToolWindow(_raw, [this] {
+        auto* dialog = new RawDataDialog(this, _connector->Host(), &_connector->Doc_Halden().Conf().Cfg().Rawdatacapture());
+        JoinToConnector(dialog, *_connector);
         return dialog;
     });
 }

@@ -3,12 +3,15 @@
 
 #include "watch/watchmodeldialog.h"
 
+class CalHaldenAdvancedDialog;
+class CalHaldenDialog;
 class FPGAHaldenDialog;
+class RawDataDialog;
 
 /// The live table of the Halden's "DATA", "DATASTAT", "DATADIAG" and "DATATEST", repainted at most
 /// every 200 ms of the computer's clock: the fluorometer's time stamps may stand still during a
-/// flash. Buttons: "Reboot", the flash commands, configuration, factory settings, the I/O
-/// console and the log switch.
+/// flash. Buttons: "Reboot", the flash commands, calibration, configuration, factory settings, the
+/// I/O console, raw data capture and the log switch.
 class WatchHaldenDialog : public WatchModelDialog {
     Q_OBJECT
 public:
@@ -25,6 +28,10 @@ public slots:
     void OnBreakClicked();
     void OnResetClicked();
     void OnFPGAClicked();
+    /// The calibration panel; its "Advanced..." opens the zeros.
+    void OnCalClicked();
+    void OnCalAdvancedClicked();
+    void OnRawCaptureClicked();
 
 protected:
     GenericConfigDialog* _MakeConfigDialog() override;
@@ -33,4 +40,7 @@ protected:
 private:
     ClockThrottle _clock;
     FPGAHaldenDialog* _fpga = nullptr;
+    CalHaldenDialog* _cal = nullptr;
+    CalHaldenAdvancedDialog* _cal_advanced = nullptr;
+    RawDataDialog* _raw = nullptr;
 };

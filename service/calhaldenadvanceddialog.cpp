@@ -1,0 +1,99 @@
+#include "service/calhaldenadvanceddialog.h"
+
+#include <QBoxLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <cmath>
+#include <limits>
+
+#include "libskarn/dochalden.h"
+
+namespace {
+
+// Through a float, truncated: what the instrument's own tools do with counts.
+void apply(const QLineEdit* field, ConfigurableInteger& zero)
+{
+    bool ok = false;
+    const float value = field->text().toFloat(&ok);
+    if (!ok || std::isnan(value))
+        return;
+    // Beyond 64 bits the conversion would be undefined; the leaf clamps to its limits anyway.
+    if (value >= 0x1p63f)
+        zero.set(std::numeric_limits<int64_t>::max());
+    else if (value <= -0x1p63f)
+        zero.set(std::numeric_limits<int64_t>::min());
+    else
+        zero.set(int64_t(value));
+}
+
+}  // namespace
+
+CalHaldenAdvancedDialog::CalHaldenAdvancedDialog(QWidget* parent, const std::string& name, DocHalden* doc)
+    : QDialog(parent), _doc(doc)
+{
+    setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
+    auto* groups = new QHBoxLayout;
+    auto group = [groups](const char* title, const char* label) {
+        auto* box = new QGroupBox(title);
+        auto* layout = new QHBoxLayout(box);
+        auto* edit = new QLineEdit;
+        layout->addWidget(new QLabel(label));
+        layout->addWidget(edit);
+        groups->addWidget(box);
+        return edit;
+    };
+    _dc0 = group("DC0", "DC0:");
+    _pc0 = group("Pc0", "Pc0:");
+
+    auto* refresh = new QPushButton("Refresh");
+    auto* apply = new QPushButton("Apply");
+    auto* close = new QPushButton("Close");
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(refresh);
+    buttons->addWidget(apply);
+    buttons->addWidget(close);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(groups);
+    layout->addLayout(buttons);
+
+    connect(refresh, &QPushButton::clicked, this, &CalHaldenAdvancedDialog::OnRefreshClicked);
+    connect(apply, &QPushButton::clicked, this, &CalHaldenAdvancedDialog::OnApplyClicked);
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+    _UpdateFromXML();
+}
+
+void CalHaldenAdvancedDialog::OnApplyClicked()
+{
+    _ApplyToXML();
+}
+
+void CalHaldenAdvancedDialog::OnRefreshClicked()
+{
+    _UpdateFromXML();
+}
+
+void CalHaldenAdvancedDialog::OnXMLChanged()
+{
+    _UpdateFromXML();
+}
+
+void CalHaldenAdvancedDialog::_UpdateFromXML()
+{
+    ConfigCalHalden& cal = _doc->Conf().Cal();
+    _dc0->setText(QString::number(cal.DC0().get(), 10));
+    _pc0->setText(QString::number(cal.Pc0().get(), 10));
+}
+
+void CalHaldenAdvancedDialog::_ApplyToXML()
+{
+    ConfigCalHalden& cal = _doc->Conf().Cal();
+    apply(_dc0, cal.DC0());
+    apply(_pc0, cal.Pc0());
+    emit SendXMLChanges();
+    emit CalUpdated();
+}

@@ -1,0 +1,127 @@
+#include "service/calhaldendialog.h"
+
+#include <QBoxLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+
+#include <sstream>
+
+#include "libskarn/dochalden.h"
+#include "service/calhistory.h"
+
+std::vector<QStringList> CalHaldenHistoryRows(ConfigCalHistoryHalden& history)
+{
+    std::vector<QStringList> rows;
+    for (Configurable* child : history.children()) {
+        auto* record = dynamic_cast<ConfigCalRecordHalden*>(child);
+        if (!record)
+            continue;
+        std::ostringstream time;
+        time << record->Time().get();
+        rows.push_back({QString::fromStdString(time.str()), QString::fromStdString(record->Type().get()),
+                        QString::number(record->DC0().get(), 10), QString::number(record->Pc0().get(), 10)});
+    }
+    return rows;
+}
+
+CalHaldenDialog::CalHaldenDialog(QWidget* parent, const std::string& name, DocHalden* doc, bool standalone)
+    : QDialog(parent), _doc(doc)
+{
+    if (standalone) {
+        setWindowFlags(Qt::WindowFlags());
+        setSizeGripEnabled(true);
+    }
+    setWindowTitle(QString::fromStdString("Calibration Control Panel: " + name));
+
+    auto* groups = new QHBoxLayout;
+    auto group = [this, groups](const char* title, QLabel* label, void (CalHaldenDialog::*slot)()) {
+        auto* box = new QGroupBox(title);
+        auto* layout = new QVBoxLayout(box);
+        layout->addWidget(label);
+        auto* row = new QHBoxLayout;
+        auto* zero = new QPushButton("Zero");
+        row->addWidget(zero);
+        row->addStretch();
+        layout->addLayout(row);
+        groups->addWidget(box);
+        connect(zero, &QPushButton::clicked, this, slot);
+    };
+    _dc0 = new QLabel("DC0:");
+    _pc0 = new QLabel("Pc0:");
+    group("DC0", _dc0, &CalHaldenDialog::OnDCZeroClicked);
+    group("Pc0", _pc0, &CalHaldenDialog::OnPcZeroClicked);
+
+    auto* history_row = new QHBoxLayout;
+    history_row->addWidget(new QLabel("History:"));
+    history_row->addStretch();
+    auto* clear = new QPushButton("Clear Old History...");
+    history_row->addWidget(clear);
+
+    _history = new CalHistoryTree({"Timestamp", "Type", "DC Zero", "Pc Zero"}, this);
+
+    auto* button_row = new QHBoxLayout;
+    auto* undo = new QPushButton("Undo");
+    auto* redo = new QPushButton("Redo");
+    undo->setEnabled(false);
+    redo->setEnabled(false);
+    auto* advanced = new QPushButton("Advanced...");
+    auto* close = new QPushButton("Close");
+    button_row->addWidget(undo);
+    button_row->addWidget(redo);
+    button_row->addWidget(advanced);
+    button_row->addStretch();
+    button_row->addWidget(close);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(groups);
+    layout->addLayout(history_row);
+    layout->addWidget(_history, 10);
+    layout->addLayout(button_row);
+
+    connect(undo, &QPushButton::clicked, this, &CalHaldenDialog::OnUndoClicked);
+    connect(redo, &QPushButton::clicked, this, &CalHaldenDialog::OnRedoClicked);
+    connect(clear, &QPushButton::clicked, this, &CalHaldenDialog::OnClearHistoryClicked);
+    connect(advanced, &QPushButton::clicked, this, &CalHaldenDialog::OnAdvancedClicked);
+    connect(close, &QPushButton::clicked, this, &QDialog::close);
+    connect(close, &QPushButton::clicked, this, &CalHaldenDialog::OnCloseClicked);
+
+    _UpdateFromXML();
+    resize(500, sizeHint().height());
+}
+
+void CalHaldenDialog::OnDCZeroClicked()
+{
+    emit SendRawXML("<arvex><halden><cmd><zero_dc0>true</zero_dc0></cmd></halden></arvex>\n");
+}
+
+void CalHaldenDialog::OnPcZeroClicked()
+{
+    emit SendRawXML("<arvex><halden><cmd><zero_pc0>true</zero_pc0></cmd></halden></arvex>\n");
+}
+
+void CalHaldenDialog::OnUndoClicked() {}
+void CalHaldenDialog::OnRedoClicked() {}
+
+void CalHaldenDialog::OnClearHistoryClicked()
+{
+    if (!ConfirmClearOldHistory(this, "This will keep the latest and erase old calibration history records. OK to "
+                                      "clear?"))
+        return;
+    _history->clear();
+    _doc->Conf().History().ClearOldRecords();
+    emit SendXMLChanges();
+}
+
+void CalHaldenDialog::OnXMLChanged()
+{
+    _UpdateFromXML();
+}
+
+void CalHaldenDialog::_UpdateFromXML()
+{
+    ConfigCalHalden& cal = _doc->Conf().Cal();
+    _dc0->setText("Zero: " + QString::number(cal.DC0().get(), 10));
+    _pc0->setText("Zero: " + QString::number(cal.Pc0().get(), 10));
+    _history->SetRows(CalHaldenHistoryRows(_doc->Conf().History()));
+}
