@@ -28,8 +28,7 @@ TEST(Base64, KnownTexts) {
         std::string plain, coded;
     } rows[] = {
         {"", ""},           {"f", "Zg=="},         {"fo", "Zm8="},
-        {"foo", "Zm9v"},    {"foob", "Zm9vYg=="},  {"fooba", "Zm9vYmE="},
-        {"foobar", "Zm9vYmFy"},
+        {"foo", "Zm9v"},    {"foob", "Zm9vYg=="},  {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"},
         {std::string("\xfb\xff\xbf\x00", 4), "+/+/AA=="},
     };
     for (const auto& r : rows) {
@@ -65,17 +64,11 @@ TEST(Base64, DecodeStops) {
         std::size_t used;
     } rows[] = {
         {"Zm9vYm", "foo", 4},         // cut inside a group: back to its start
-        {"Zm9vY", "foo", 4},
-        {"Zm9", "", 0},
-        {"Zm9v", "foo", 4},
+        {"Zm9vY", "foo", 4}, {"Zm9", "", 0}, {"Zm9v", "foo", 4},
         {"Zm9vYg==Zm9v", "foob", 12},  // padding ends the decoding
-        {"Zm9=Zm9v", "fo", 8},
-        {"Zm==", "f", 4},
-        {"Z===", "", 4},
-        {"=Zm9v", "", 5},
+        {"Zm9=Zm9v", "fo", 8}, {"Zm==", "f", 4}, {"Z===", "", 4}, {"=Zm9v", "", 5},
         {"Zm9v\nZm9v", "foo", 9},      // so does any other character
-        {"Zm9*", "fo", 4},
-        {"Zm*v", "f", 4},
+        {"Zm9*", "fo", 4}, {"Zm*v", "f", 4},
         {"\xda\xed\xb9\xf6", "foo", 4},  // looked up on the low seven bits
     };
     for (const auto& r : rows) {

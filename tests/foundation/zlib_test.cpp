@@ -58,17 +58,12 @@ Bytes DeflateRange(const Bytes& in) {
     return out;
 }
 
-TEST(ZLib, LevelOneZLibFormat) {
-    Bytes packed = DeflateRange(Bytes(100, 'a'));
-    ASSERT_GE(packed.size(), 2u);
-    EXPECT_EQ(packed[0], 0x78);
-    EXPECT_EQ(packed[1], 0x01);  // the header of the fastest level
-}
-
 TEST(ZLib, ReaderAndWriterPieces) {
     const Bytes sample = Sample();
     ASSERT_GT(sample.size(), 300000u);
     const Bytes packed = DeflateRange(sample);
+    EXPECT_EQ(packed.at(0), 0x78);
+    EXPECT_EQ(packed.at(1), 0x01);  // the header of the fastest level
     const std::size_t pieces[] = {1, 7, 36864, 36865, 200000};
     for (std::size_t read_piece : pieces)
         for (std::size_t write_piece : pieces) {
@@ -83,20 +78,17 @@ TEST(ZLib, ReaderAndWriterPieces) {
         }
 }
 
-TEST(ZLib, InflateStopsAtTheEndOfTheStream) {
-    const Bytes in(50000, 'x');
-    Bytes packed = DeflateRange(in);
-    packed.insert(packed.end(), 100, 0xff);
-    Bytes out;
-    Inflate(packed.begin(), packed.end(), std::back_inserter(out));
-    EXPECT_EQ(out, in);
-}
-
-TEST(ZLib, CutStreamGivesWhatItCan) {
+// Inflating stops at the end of the stream, and a cut stream gives what it can.
+TEST(ZLib, InflateEnds) {
     const Bytes sample = Sample();
-    Bytes packed = DeflateRange(sample);
-    packed.resize(packed.size() / 2);
-    Bytes out;
+    Bytes packed = DeflateRange(sample), out;
+    const std::size_t size = packed.size();
+    packed.insert(packed.end(), 100, 0xff);
+    Inflate(packed.begin(), packed.end(), std::back_inserter(out));
+    EXPECT_TRUE(out == sample);
+
+    out.clear();
+    packed.resize(size / 2);
     Inflate(packed.begin(), packed.end(), std::back_inserter(out));
     ASSERT_GT(out.size(), 0u);
     ASSERT_LT(out.size(), sample.size());
@@ -104,20 +96,14 @@ TEST(ZLib, CutStreamGivesWhatItCan) {
 }
 
 TEST(ZLib, Errors) {
-    const struct {
-        Bytes in;
-        const char* what;
-    } rows[] = {
-        {{0x00, 0x00, 0x00}, "inflate() failed: data error"},      // bad header
-        {{0x78, 0x01, 0xff, 0x00}, "inflate() failed: data error"},  // bad block type
-    };
-    for (const auto& r : rows) {
+    // A bad header, a bad block type.
+    for (const Bytes& in : {Bytes{0x00, 0x00, 0x00}, Bytes{0x78, 0x01, 0xff, 0x00}}) {
         Bytes out;
         try {
-            Inflate(r.in.begin(), r.in.end(), std::back_inserter(out));
+            Inflate(in.begin(), in.end(), std::back_inserter(out));
             ADD_FAILURE() << "no exception";
         } catch (const std::runtime_error& e) {
-            EXPECT_STREQ(e.what(), r.what);
+            EXPECT_STREQ(e.what(), "inflate() failed: data error");
         }
     }
 
