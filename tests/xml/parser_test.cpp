@@ -51,75 +51,59 @@ Token ER(const std::string& m) { return {T::ERROR, m, ""}; }
 const char* const EMPTY_NAME = "Empty XML tag name";
 const char* const BAD_END = "Invalid XML tag end sequence";
 
-struct TokenCase {
-    const char* input;
-    std::vector<Token> tokens;
-};
-
-void PrintTo(const TokenCase& c, std::ostream* os)
+TEST(XMLParser, Tokens)
 {
-    *os << testing::PrintToString(std::string(c.input));
+    const struct {
+        const char* input;
+        std::vector<Token> tokens;
+    } cases[] = {
+        {"", {SD, ED}},
+        {"<tagname attr1 attr2=\"attr value string\">string</tagname>",
+            {SD, SE("tagname"), AT("attr1"), PR("attr2", "attr value string"), ST("string"), EE("tagname"), ED}},
+        {"<tagname attr1=\"val1\" attr2='val2' attr3/><tag2></tag2><tag3/>",
+            {SD, SE("tagname"), PR("attr1", "val1"), PR("attr2", "val2"), AT("attr3"), EE("tagname"),
+             SE("tag2"), EE("tag2"), SE("tag3"), EE("tag3"), ED}},
+        {"some string stuff to start with <tag> some tag stuff </tag> end string stuff",
+            {SD, ST("some string stuff to start with"), SE("tag"), ST("some tag stuff"), EE("tag"),
+             ST("end string stuff"), ED}},
+        {"<?xml version stuff?><!--comment--><realtag/><!ENTITY name><another/>",
+            {SD, SE("realtag"), EE("realtag"), SE("another"), EE("another"), ED}},
+        {"<!--<faketag>some stuff in the comment</faketag>--><real/>", {SD, SE("real"), EE("real"), ED}},
+        {"<!---><x/>", {SD, SE("x"), EE("x"), ED}}, {"<!--><x/>--><y/>", {SD, SE("y"), EE("y"), ED}},
+        {"<!-- a -- b ---><x/>", {SD, SE("x"), EE("x"), ED}}, {"<!><x/>", {SD, SE("x"), EE("x"), ED}},
+        {"<?>?><x/>", {SD, SE("x"), EE("x"), ED}},
+        // Declarations end at the first ">", nesting or not.
+        {"<!DOCTYPE a [<!ENTITY b>]><x/>", {SD, ST("]"), ER("Invalid '>' character outside XML tags")}},
+        {"<realtag1>{document type information}</realtag1>   {some more doctype stuff}   ",
+            {SD, SE("realtag1"), ST("{document type information}"), EE("realtag1"), ST("{some more doctype stuff}"), ED}},
+        // White space after a start tag's ">" is an empty STRING; after other tokens it is skipped.
+        {"<a>\n  <b/>\n</a>\n", {SD, SE("a"), ST(""), SE("b"), EE("b"), EE("a"), ED}},
+        {"<?xml version=\"1.0\"?>\n<a/>", {SD, ST(""), SE("a"), EE("a"), ED}},
+        {"<arvex>&query;</arvex>", {SD, SE("arvex"), ST("&query;"), EE("arvex"), ED}},
+        {"<tolvan &query_item; x='&query;'/>", {SD, SE("tolvan"), AT("&query_item;"), PR("x", "&query;"), EE("tolvan"), ED}},
+        {"<a x='1 &amp; 2' y=\"&lt;&quot;\">", {SD, SE("a"), PR("x", "1 & 2"), PR("y", "<\""), ED}},
+        // Unquoted values run to the next quote or angle bracket.
+        {"<tag a=1 b=2>", {SD, SE("tag"), PR("a", "1 b=2"), ED}},
+        {"<tag a=1/>x", {SD, SE("tag"), PR("a", "1/"), ST("x"), ED}},
+        {"<a>1 2</a>3 4", {SD, SE("a"), ST("1 2"), EE("a"), ST("3 4"), ED}},
+        // Errors.
+        {"< badtagname>", {SD, ER(EMPTY_NAME)}}, {"</ >", {SD, ER(EMPTY_NAME)}},
+        {"<badtag/ >just some junk", {SD, SE("badtag"), ER(BAD_END)}},
+        {"<badendtag>just some junk</badendtag >", {SD, SE("badendtag"), ST("just some junk"), ER(BAD_END)}},
+        {"<a b = c>", {SD, SE("a"), AT("b"), ER(EMPTY_NAME)}},
+        {"<a <b>", {SD, SE("a"), ER("Cannot start new element inside start tag")}},
+        {"text > more", {SD, ST("text"), ER("Invalid '>' character outside XML tags")}},
+        // Input that stops short.
+        {"<", {SD, ED}}, {"<a", {SD, ED}}, {"<a x", {SD, SE("a"), ED}}, {"<a x=1", {SD, SE("a"), ED}},
+        {"<a x='1'", {SD, SE("a"), PR("x", "1"), ED}}, {"<a/", {SD, SE("a"), ED}}, {"</a", {SD, ED}},
+        {"<!-- open", {SD, ED}},
+        {"<? open", {SD, ED}}};
+    for (const auto& c : cases) {
+        std::istringstream is(c.input);
+        XMLParser p(is);
+        EXPECT_EQ(read_all(p), c.tokens) << c.input;
+    }
 }
-
-class Tokenizer : public testing::TestWithParam<TokenCase> {};
-
-TEST_P(Tokenizer, Tokens)
-{
-    std::istringstream is(GetParam().input);
-    XMLParser p(is);
-    EXPECT_EQ(read_all(p), GetParam().tokens);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, Tokenizer, testing::Values(
-    TokenCase{"", {SD, ED}},
-    TokenCase{"<tagname attr1 attr2=\"attr value string\">string</tagname>",
-              {SD, SE("tagname"), AT("attr1"), PR("attr2", "attr value string"), ST("string"), EE("tagname"), ED}},
-    TokenCase{"<tagname attr1=\"val1\" attr2='val2' attr3/><tag2></tag2><tag3/>",
-              {SD, SE("tagname"), PR("attr1", "val1"), PR("attr2", "val2"), AT("attr3"), EE("tagname"),
-               SE("tag2"), EE("tag2"), SE("tag3"), EE("tag3"), ED}},
-    TokenCase{"some string stuff to start with <tag> some tag stuff </tag> end string stuff",
-              {SD, ST("some string stuff to start with"), SE("tag"), ST("some tag stuff"), EE("tag"),
-               ST("end string stuff"), ED}},
-    TokenCase{"<?xml version stuff?><!--comment--><realtag/><!ENTITY name><another/>",
-              {SD, SE("realtag"), EE("realtag"), SE("another"), EE("another"), ED}},
-    TokenCase{"<!--<faketag>some stuff in the comment</faketag>--><real/>", {SD, SE("real"), EE("real"), ED}},
-    TokenCase{"<!---><x/>", {SD, SE("x"), EE("x"), ED}},
-    TokenCase{"<!--><x/>--><y/>", {SD, SE("y"), EE("y"), ED}},
-    TokenCase{"<!-- a -- b ---><x/>", {SD, SE("x"), EE("x"), ED}},
-    TokenCase{"<!><x/>", {SD, SE("x"), EE("x"), ED}},
-    TokenCase{"<?>?><x/>", {SD, SE("x"), EE("x"), ED}},
-    // Declarations end at the first ">", nesting or not.
-    TokenCase{"<!DOCTYPE a [<!ENTITY b>]><x/>", {SD, ST("]"), ER("Invalid '>' character outside XML tags")}},
-    TokenCase{"<realtag1>{document type information}</realtag1>   {some more doctype stuff}   ",
-              {SD, SE("realtag1"), ST("{document type information}"), EE("realtag1"), ST("{some more doctype stuff}"), ED}},
-    // White space after a start tag's ">" is an empty STRING; after other tokens it is skipped.
-    TokenCase{"<a>\n  <b/>\n</a>\n", {SD, SE("a"), ST(""), SE("b"), EE("b"), EE("a"), ED}},
-    TokenCase{"<?xml version=\"1.0\"?>\n<a/>", {SD, ST(""), SE("a"), EE("a"), ED}},
-    TokenCase{"<arvex>&query;</arvex>", {SD, SE("arvex"), ST("&query;"), EE("arvex"), ED}},
-    TokenCase{"<tolvan &query_item; x='&query;'/>", {SD, SE("tolvan"), AT("&query_item;"), PR("x", "&query;"), EE("tolvan"), ED}},
-    TokenCase{"<a x='1 &amp; 2' y=\"&lt;&quot;\">", {SD, SE("a"), PR("x", "1 & 2"), PR("y", "<\""), ED}},
-    // Unquoted values run to the next quote or angle bracket.
-    TokenCase{"<tag a=1 b=2>", {SD, SE("tag"), PR("a", "1 b=2"), ED}},
-    TokenCase{"<tag a=1/>x", {SD, SE("tag"), PR("a", "1/"), ST("x"), ED}},
-    TokenCase{"<a>1 2</a>3 4", {SD, SE("a"), ST("1 2"), EE("a"), ST("3 4"), ED}},
-    // Errors.
-    TokenCase{"< badtagname>", {SD, ER(EMPTY_NAME)}},
-    TokenCase{"</ >", {SD, ER(EMPTY_NAME)}},
-    TokenCase{"<badtag/ >just some junk", {SD, SE("badtag"), ER(BAD_END)}},
-    TokenCase{"<badendtag>just some junk</badendtag >", {SD, SE("badendtag"), ST("just some junk"), ER(BAD_END)}},
-    TokenCase{"<a b = c>", {SD, SE("a"), AT("b"), ER(EMPTY_NAME)}},
-    TokenCase{"<a <b>", {SD, SE("a"), ER("Cannot start new element inside start tag")}},
-    TokenCase{"text > more", {SD, ST("text"), ER("Invalid '>' character outside XML tags")}},
-    // Input that stops short.
-    TokenCase{"<", {SD, ED}},
-    TokenCase{"<a", {SD, ED}},
-    TokenCase{"<a x", {SD, SE("a"), ED}},
-    TokenCase{"<a x=1", {SD, SE("a"), ED}},
-    TokenCase{"<a x='1'", {SD, SE("a"), PR("x", "1"), ED}},
-    TokenCase{"<a/", {SD, SE("a"), ED}},
-    TokenCase{"</a", {SD, ED}},
-    TokenCase{"<!-- open", {SD, ED}},
-    TokenCase{"<? open", {SD, ED}}));
 
 TEST(XMLParser, StateBits)
 {
@@ -141,54 +125,35 @@ TEST(XMLParser, StateBits)
     EXPECT_EQ(read_all(r), (std::vector<Token>{SD, {T::ERROR, "", ""}}));
 }
 
-TEST(XMLParser, ErrorBlocksUntilRecovery)
+// Recovery skips to the end of the element.
+TEST(XMLParser, Recovery)
 {
-    std::istringstream is("<a <b/></a><c/>");
-    XMLParser p(is);
-    read_all(p);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(p.GetNextToken(), T::ERROR);
-    EXPECT_EQ(p.GetTokenString(), "Cannot start new element inside start tag");
+    const struct {
+        const char* input;
+        int reads;  // GetNextToken calls before RecoverFromError
+        Token landed;
+        std::vector<Token> after;
+    } cases[] = {
+        {"< badtagname>just some junk</badtagname><goodstuff/>", 2, EE("badtagname"),
+            {SE("goodstuff"), EE("goodstuff")}},
+        // The start tag stays open across the error, so recovery goes on inside it.
+        {"<a b = c d='1'>text</a><e/>", 4, EE("a"), {SE("e"), EE("e")}},
+        {"<r><a>x > y<b/></a><c/></r>", 5, EE("a"), {SE("c"), EE("c"), EE("r")}},
+        {"<r><a>x > y > z</a><c/></r>", 5, EE("a"), {SE("c"), EE("c"), EE("r")}}, {"<r><a>x > y", 5, ED, {}},
+        // With no error at hand it skips an unwanted element.
+        {"<r><skip><x a='1'>t</x><y/></skip><keep/></r>", 3, EE("skip"), {SE("keep"), EE("keep"), EE("r")}}};
+    for (const auto& c : cases) {
+        std::istringstream is(c.input);
+        XMLParser p(is);
+        for (int i = 0; i < c.reads; ++i)
+            p.GetNextToken();
+        p.RecoverFromError();
+        EXPECT_EQ(current(p), c.landed) << c.input;
+        std::vector<Token> after = read_all(p);
+        after.pop_back();
+        EXPECT_EQ(after, c.after) << c.input;
+    }
 }
-
-struct RecoverCase {
-    const char* input;
-    int reads; // GetNextToken calls before RecoverFromError
-    Token landed;
-    std::vector<Token> after;
-};
-
-void PrintTo(const RecoverCase& c, std::ostream* os)
-{
-    *os << testing::PrintToString(std::string(c.input));
-}
-
-class Recovery : public testing::TestWithParam<RecoverCase> {};
-
-TEST_P(Recovery, SkipsToEndOfElement)
-{
-    const RecoverCase& c = GetParam();
-    std::istringstream is(c.input);
-    XMLParser p(is);
-    for (int i = 0; i < c.reads; ++i)
-        p.GetNextToken();
-    p.RecoverFromError();
-    EXPECT_EQ(current(p), c.landed);
-    std::vector<Token> after = read_all(p);
-    after.pop_back();
-    EXPECT_EQ(after, c.after);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, Recovery, testing::Values(
-    RecoverCase{"< badtagname>just some junk</badtagname><goodstuff/>", 2, EE("badtagname"),
-                {SE("goodstuff"), EE("goodstuff")}},
-    // The start tag stays open across the error, so recovery goes on inside it.
-    RecoverCase{"<a b = c d='1'>text</a><e/>", 4, EE("a"), {SE("e"), EE("e")}},
-    RecoverCase{"<r><a>x > y<b/></a><c/></r>", 5, EE("a"), {SE("c"), EE("c"), EE("r")}},
-    RecoverCase{"<r><a>x > y > z</a><c/></r>", 5, EE("a"), {SE("c"), EE("c"), EE("r")}},
-    RecoverCase{"<r><a>x > y", 5, ED, {}},
-    // With no error at hand it skips an unwanted element.
-    RecoverCase{"<r><skip><x a='1'>t</x><y/></skip><keep/></r>", 3, EE("skip"), {SE("keep"), EE("keep"), EE("r")}}));
 
 TEST(XMLParser, RecoveryClearsStreamState)
 {
@@ -267,15 +232,17 @@ TEST(XMLParser, RecoveryReplaysStoredTokensFirst)
     EXPECT_EQ(rest, (std::vector<Token>{SE("c"), EE("c"), EE("r"), ED}));
 }
 
-TEST(XMLParser, PutBackOntoErrorBlocksAgain)
+// An error repeats until recovery, also after putting back the token before it.
+TEST(XMLParser, ErrorBlocksUntilRecovery)
 {
     std::istringstream is("<a/>>");
     XMLParser p(is);
     read_all(p);
     p.PutBackToken();
     EXPECT_EQ(current(p), EE("a"));
-    EXPECT_EQ(p.GetNextToken(), T::ERROR);
-    EXPECT_EQ(p.GetNextToken(), T::ERROR);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(p.GetNextToken(), T::ERROR);
+    EXPECT_EQ(p.GetTokenString(), "Invalid '>' character outside XML tags");
 }
 
 // Hands out its text a few bytes per refill, as a socket or a file does, or with no buffer at all

@@ -35,7 +35,7 @@ std::string sample(bool formatted)
     return os.str();
 }
 
-TEST(XMLWriter, FormattedDocument)
+TEST(XMLWriter, Document)
 {
     EXPECT_EQ(sample(true),
               "<?xml version=\"1.0\"?>\n"
@@ -47,10 +47,6 @@ TEST(XMLWriter, FormattedDocument)
               "\t</tag3>\n"
               "</tag2>\n"
               "<tag4/>\n");
-}
-
-TEST(XMLWriter, CompactDocument)
-{
     EXPECT_EQ(sample(false),
               "<?xml version=\"1.0\"?><greeting>Hello, world!</greeting>"
               "<tag1 tag1_attr=\"tag1_val\" tag1_attr2/><tag2><tag3 attr>Howdy from tag3"
