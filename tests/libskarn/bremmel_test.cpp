@@ -42,56 +42,6 @@ std::string serve(Doc& doc, const std::string& message)
 
 // --- Bremmel ---
 
-TEST(Bremmel, FreshDocumentMatchesGoldenReplies)
-{
-    reset_zones();
-    DocBremmel doc;
-    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("bremmel_query.txt"));
-    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("bremmel_doctype.txt"));
-}
-
-TEST(Bremmel, WatchWindowCommandsLastOneMessage)
-{
-    const char* commands[] = {"logusbstart", "logusbstop", "ejectusb", "reboot"};
-    for (const char* command : commands) {
-        SCOPED_TRACE(command);
-        DocBremmel doc;
-        doc._set_changed(false);
-        const std::string tag = command;
-        const std::string line = envelope("bremmel", "<cmd><" + tag + ">true</" + tag + "></cmd>");
-        EXPECT_EQ(serve(doc, line + "\n"), "");
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "true");
-        std::ostringstream changes;
-        Configurable::set_compact(changes, true);
-        doc.changed(changes);
-        EXPECT_EQ(changes.str(), line);
-        EXPECT_FALSE(doc.Conf().IsConfigChanged());
-
-        serve(doc, envelope("bremmel", "<name>logger</name>"));
-        EXPECT_EQ(reply(doc, envelope("bremmel", "<cmd><" + tag + ">&query_item;</" + tag + "></cmd>")), "false");
-    }
-}
-
-TEST(Bremmel, FactoryIsNoConfigChange)
-{
-    struct Row {
-        const char* message;
-        bool counts;
-    } rows[] = {
-        {"<factory><serialnumber>BR-0007</serialnumber></factory>", false},
-        {"<output><dataclock>true</dataclock></output>", true},
-        {"<cfg><gpstype>Garmin</gpstype></cfg>", true},
-        {"<ipaddress>10.1.1.1</ipaddress>", true},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.message);
-        DocBremmel doc;
-        doc._set_changed(false);
-        reply(doc, envelope("bremmel", row.message));
-        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
-    }
-}
-
 TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
 {
     std::vector<std::string> log;
@@ -115,13 +65,6 @@ TEST(Bremmel, ListenersHearOfChangesInTheOrderOfTheirNames)
 }
 
 // --- Ostrel ---
-
-TEST(Ostrel, FreshDocumentMatchesGoldenReplies)
-{
-    DocOstrel doc;
-    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("ostrel_query.txt"));
-    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("ostrel_doctype.txt"));
-}
 
 TEST(Ostrel, FlowIsAFraction)
 {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 #include <ctime>
 #include <limits>
 #include <memory>
@@ -8,6 +9,13 @@
 #include <string>
 
 #include "libskarn/configcommon.h"
+#include "libskarn/docbremmel.h"
+#include "libskarn/docdravik.h"
+#include "libskarn/dochalden.h"
+#include "libskarn/docmorvik.h"
+#include "libskarn/docostrel.h"
+#include "libskarn/docquenta.h"
+#include "libskarn/doctolvan.h"
 #include "tests/libskarn/doc_test_util.h"
 
 namespace {
@@ -34,6 +42,166 @@ struct Root : ConfigurableComposite {
     }
 };
 
+// --- every document ---
+
+/// One instrument's document behind a common face.
+struct Model {
+    std::string file, tag;
+    std::function<std::unique_ptr<ConfigurableComposite>()> make;
+    std::function<bool(ConfigurableComposite&)> config_changed;
+    std::function<std::string(ConfigurableComposite&, const std::string&)> serve;  // as the instrument does
+
+    std::string query(ConfigurableComposite& doc, const std::string& path) const
+    {
+        return reply(doc, envelope(tag, wrap(path, "&query_item;")));
+    }
+};
+
+/// A document known only by its replies.
+template <class Doc>
+Model plain(const std::string& file, const std::string& tag)
+{
+    return {file, tag, [] { return std::make_unique<Doc>(); }, nullptr, nullptr};
+}
+
+template <class Doc>
+Model model(const std::string& file, const std::string& tag)
+{
+    Model m = plain<Doc>(file, tag);
+    m.config_changed = [](ConfigurableComposite& doc) { return static_cast<Doc&>(doc).Conf().IsConfigChanged(); };
+    m.serve = [](ConfigurableComposite& doc, const std::string& message) {
+        std::istringstream in(message);
+        std::ostringstream out;
+        Configurable::set_compact(out, true);
+        static_cast<Doc&>(doc).configure_and_send_events(in, out);
+        return out.str();
+    };
+    return m;
+}
+
+const Model tolvan = model<DocTolvan>("tolvan", "tolvan"), morvik = plain<DocMorvik>("morvik", "morvik"),
+            dravik = model<DocDravik>("dravik", "dravik"), quenta = model<DocQuenta>("quenta", "quenta"),
+            halden = model<DocHalden>("halden", "halden"), bremmel = model<DocBremmel>("bremmel", "bremmel"),
+            ostrel = plain<DocOstrel>("ostrel", "ost");
+
+TEST(Documents, FreshDocumentsMatchGoldenReplies)
+{
+    for (const Model* m : {&tolvan, &morvik, &dravik, &quenta, &halden, &bremmel, &ostrel}) {
+        reset_zones();
+        auto doc = m->make();
+        const std::string query = golden(m->file + "_query.txt"), doctype = golden(m->file + "_doctype.txt");
+        ASSERT_FALSE(query.empty() || doctype.empty()) << m->file;
+        EXPECT_EQ(reply(*doc, "<arvex>&query;</arvex>"), query) << m->file;
+        EXPECT_EQ(reply(*doc, "<arvex>&query_doctype;</arvex>"), doctype) << m->file;
+    }
+}
+
+// Settings count as a configuration change; commands, versions and logs do not.
+TEST(Documents, IsConfigChangedCountsSettingsOnly)
+{
+    const struct {
+        const Model* model;
+        const char* message;
+        bool counts;
+    } rows[] = {
+        {&tolvan, "<cmd><poll>true</poll></cmd>", false},
+        {&tolvan, "<cpld><ver>7</ver><motor><actual_pos>3</actual_pos></motor></cpld>", false},
+        {&tolvan, "<factory><cmd><commit>true</commit></cmd></factory>", true},  // the factory section changed
+        {&tolvan, "<output><status>true</status></output>", true},
+        {&tolvan, "<box><usb><zip>true</zip></usb></box>", true},
+        {&tolvan, "<cfg><sdmaddress>3</sdmaddress></cfg>", true},
+        {&tolvan, "<cal><ch4zero>0.1</ch4zero></cal>", true},
+        {&tolvan, "<factory><dither>5</dither></factory>", true},
+        {&tolvan, "<ver>1.2</ver>", true},
+        {&tolvan, "<name>ch4-0007</name>", true},
+        {&tolvan, "<ipaddress>10.0.0.9</ipaddress>", true},
+        {&dravik, "<output><status>true</status></output>", true},
+        {&dravik, "<cfg><match><percent>1</percent></match></cfg>", true},
+        {&dravik, "<cal><oxygen>20</oxygen></cal>", true},
+        {&dravik, "<history><record><time>5</time></record></history>", true},
+        {&dravik, "<factory><caldate>2016-01-06</caldate></factory>", true},
+        {&dravik, "<ver>1.0</ver>", true},
+        {&dravik, "<name>head</name>", true},
+        {&dravik, "<ipaddress>10.0.0.2</ipaddress>", true},
+        {&dravik, "<fpga>2.0</fpga><dsp>3.0</dsp>", false},
+        {&dravik, "<cmd><poll>true</poll></cmd>", false},
+        {&dravik, "<run><runnow>go</runnow></run>", false},
+        {&dravik, "<run><scripts><script><name>a</name></script></scripts></run>", false},
+        {&quenta, "<cfg><head>dravik-0042</head></cfg>", true},
+        {&quenta, "<factory><humidifier><low>40</low></humidifier></factory>", true},
+        {&quenta, "<ver>2.1.0</ver>", true},
+        {&quenta, "<name>console</name>", true},
+        {&quenta, "<ipaddress>10.0.0.2</ipaddress>", true},
+        {&quenta, "<cal><zero>3</zero></cal>", false},
+        {&quenta, "<output><status>true</status></output>", false},
+        {&quenta, "<cmd><reboot>true</reboot></cmd>", false},
+        {&halden, "<history><record><time>2016-01-06 09:27:23.00</time><type>zero_dc0</type><DC0>5</DC0><Pc0>0</Pc0>"
+                  "</record></history>", false},
+        {&halden, "<cmd><rect>true</rect></cmd>", false},
+        {&halden, "<cal><Pc0>12</Pc0></cal>", true},
+        {&halden, "<output><datarawcapture>true</datarawcapture></output>", true},
+        {&halden, "<cfg><measure><dark_modrate>20</dark_modrate></measure></cfg>", true},
+        {&halden, "<factory><bias><red_bias>3000</red_bias></bias></factory>", true},
+        {&halden, "<fpga>1.4</fpga><dsp>2.0</dsp>", false},
+        {&halden, "<ver>3.1</ver>", true},
+        {&bremmel, "<factory><serialnumber>BR-0007</serialnumber></factory>", false},
+        {&bremmel, "<cmd><reboot>true</reboot></cmd>", false},
+        {&bremmel, "<output><dataclock>true</dataclock></output>", true},
+        {&bremmel, "<cfg><gpstype>Garmin</gpstype></cfg>", true},
+        {&bremmel, "<ipaddress>10.1.1.1</ipaddress>", true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        auto doc = row.model->make();
+        doc->_set_changed(false);
+        EXPECT_FALSE(row.model->config_changed(*doc));
+        EXPECT_EQ(reply(*doc, envelope(row.model->tag, row.message)), "");
+        EXPECT_TRUE(doc->has_changed());
+        EXPECT_EQ(row.model->config_changed(*doc), row.counts);
+    }
+    DocTolvan fresh;
+    EXPECT_TRUE(fresh.Conf().IsConfigChanged());
+}
+
+// A command holds for the message that sets it and is changed as sent; the next message clears it.
+TEST(Documents, CommandsLastOneMessage)
+{
+    const struct {
+        const Model* model;
+        std::string message, command, next;
+        std::pair<std::string, std::string> kept;  // a value the next message leaves alone
+    } rows[] = {
+        {&bremmel, "<cmd><logusbstart>true</logusbstart></cmd>", "cmd/logusbstart", "<name>logger</name>", {}},
+        {&bremmel, "<cmd><logusbstop>true</logusbstop></cmd>", "cmd/logusbstop", "<name>logger</name>", {}},
+        {&bremmel, "<cmd><ejectusb>true</ejectusb></cmd>", "cmd/ejectusb", "<name>logger</name>", {}},
+        {&bremmel, "<cmd><reboot>true</reboot></cmd>", "cmd/reboot", "<name>logger</name>", {}},
+        {&dravik, "<cmd><poweroff>true</poweroff></cmd>", "cmd/poweroff", "<name>head</name>", {}},
+        {&quenta, "<cmd><connectlightsource>true</connectlightsource></cmd>", "cmd/connectlightsource",
+         "<cmd><disconnectlightsource>true</disconnectlightsource></cmd>", {"cmd/disconnectlightsource", "true"}},
+        {&halden, "<output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true</rawcapture></cmd>",
+         "cmd/rawcapture", "<cfg><rawdatacapture><when>flash</when></rawdatacapture></cfg>",
+         {"output/datarawcapture", "true"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const Model& m = *row.model;
+        auto doc = m.make();
+        doc->_set_changed(false);
+        EXPECT_EQ(m.serve(*doc, envelope(m.tag, row.message) + "\n"), "");
+        EXPECT_EQ(m.query(*doc, row.command), "true");
+        std::ostringstream changes;
+        Configurable::set_compact(changes, true);
+        doc->changed(changes);
+        EXPECT_EQ(changes.str(), envelope(m.tag, row.message));
+
+        EXPECT_EQ(m.serve(*doc, envelope(m.tag, row.next)), "");
+        EXPECT_EQ(m.query(*doc, row.command), "false");
+        if (!row.kept.first.empty()) {
+            EXPECT_EQ(m.query(*doc, row.kept.first), row.kept.second);
+        }
+    }
+}
+
 // --- ConfigIPAddress ---
 
 TEST(IPAddress, ReadsAddressesAndReportsText)
@@ -43,9 +211,7 @@ TEST(IPAddress, ReadsAddressesAndReportsText)
         const char* value_after;
         const char* reply;
     } rows[] = {
-        {"10.0.0.7", "10.0.0.7", ""},
-        {"fe80::1", "fe80::1", ""},
-        {"192.168.1.95", "192.168.1.95", ""},
+        {"10.0.0.7", "10.0.0.7", ""}, {"fe80::1", "fe80::1", ""}, {"192.168.1.95", "192.168.1.95", ""},
         {"300.1.1.1", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
         {"fe80::g", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
         {"gateway", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
@@ -222,8 +388,7 @@ TEST(Clock, TimeDateChecksOnlyTheSeparators)
     } rows[] = {
         {"2021-01-01", "12:00:00", nullptr},
         {"2020-13-01", "12:00:00", nullptr},  // month 13 rolls over
-        {"2020-12-32", "12:00:00", nullptr},
-        {"2021-01-01", "11:60:00", nullptr},
+        {"2020-12-32", "12:00:00", nullptr}, {"2021-01-01", "11:60:00", nullptr},
         {"2021/01/01", "12:00:00", "Invalid date format (should be YYYY-MM-DD): 2021/01/01"},
         {"2021-01", "12:00:00", "Invalid date format (should be YYYY-MM-DD): 2021-01"},
         {"", "12:00:00", "Invalid date format (should be YYYY-MM-DD): "},

@@ -11,40 +11,6 @@ namespace {
 
 using CleanDoc = Clean<DocHalden>;
 
-TEST(Halden, FreshDocumentMatchesGoldenReplies)
-{
-    reset_zones();
-    DocHalden doc;
-    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("halden_query.txt"));
-    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("halden_doctype.txt"));
-}
-
-TEST(Halden, HistoryIsNoConfigChange)
-{
-    struct Row {
-        const char* message;
-        bool counts;
-    } rows[] = {
-        {"<history><record><time>2016-01-06 09:27:23.00</time><type>zero_dc0</type><DC0>5</DC0><Pc0>0</Pc0>"
-         "</record></history>",
-         false},
-        {"<cmd><rect>true</rect></cmd>", false},
-        {"<cal><Pc0>12</Pc0></cal>", true},
-        {"<output><datarawcapture>true</datarawcapture></output>", true},
-        {"<cfg><measure><dark_modrate>20</dark_modrate></measure></cfg>", true},
-        {"<factory><bias><red_bias>3000</red_bias></bias></factory>", true},
-        {"<fpga>1.4</fpga><dsp>2.0</dsp>", false},
-        {"<ver>3.1</ver>", true},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.message);
-        CleanDoc doc;
-        EXPECT_EQ(reply(doc, envelope("halden", row.message)), "");
-        EXPECT_TRUE(doc.has_changed());
-        EXPECT_EQ(doc.Conf().IsConfigChanged(), row.counts);
-    }
-}
-
 TEST(Halden, HistoryRecordsFromTheWire)
 {
     DocHalden doc;
@@ -82,13 +48,11 @@ TEST(Halden, ClearOldRecordsKeepsTheLastOfEachKind)
         std::vector<std::string> types;  // in list order; DC0 is the position in the list
         std::vector<std::string> kept;
     } rows[] = {
-        {{}, {}},
-        {{"A", "A", "B"}, {"A 1", "B 2"}},
+        {{}, {}}, {{"A", "A", "B"}, {"A 1", "B 2"}},
         {{"zero_pc0", "zero_dc0", "zero_pc0"}, {"zero_dc0 1", "zero_pc0 2"}},
         // The kind is the text before the first ":".
         {{"zero_dc0", "zero_dc0:after reboot"}, {"zero_dc0:after reboot 1"}},
-        {{"zero_dc0:x", "zero_dc0"}, {"zero_dc0 1"}},
-        {{"zero", "zero_dc0"}, {"zero 0", "zero_dc0 1"}},
+        {{"zero_dc0:x", "zero_dc0"}, {"zero_dc0 1"}}, {{"zero", "zero_dc0"}, {"zero 0", "zero_dc0 1"}},
         {{"", "B", ""}, {" 2", "B 1"}},
     };
     for (const Row& row : rows) {
@@ -102,39 +66,13 @@ TEST(Halden, ClearOldRecordsKeepsTheLastOfEachKind)
     }
 }
 
-TEST(Halden, RawCaptureLineSwitchesTheRecordOnAndStartsOnce)
-{
-    DocHalden doc;
-    const std::string line =
-        "<arvex><halden><output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true</rawcapture>"
-        "</cmd></halden></arvex>\n";
-    std::istringstream in(line);
-    std::ostringstream out;
-    doc.configure_and_send_events(in, out);
-    EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());
-    EXPECT_TRUE(doc.Conf().Cmd().Rawcapture().get());
-
-    std::istringstream next(envelope("halden", "<cfg><rawdatacapture><when>flash</when></rawdatacapture></cfg>"));
-    doc.configure_and_send_events(next, out);
-    EXPECT_FALSE(doc.Conf().Cmd().Rawcapture().get());
-    EXPECT_TRUE(doc.Conf().Output().Datarawcapture().get());
-    EXPECT_EQ(out.str(), "");
-}
-
 TEST(Halden, FactoryLabelsExtendThePlainOnes)
 {
-    const auto& plain = ConfigHalden::Labels();
     const auto& factory = ConfigHalden::FactoryLabels();
-    for (const auto& entry : plain) {
-        SCOPED_TRACE(entry.first);
-        ASSERT_EQ(factory.count(entry.first), 1u);
-        EXPECT_EQ(factory.at(entry.first), entry.second);
-    }
+    for (const auto& entry : ConfigHalden::Labels())
+        EXPECT_EQ(factory.count(entry.first) ? factory.at(entry.first) : "(none)", entry.second) << entry.first;
+    EXPECT_EQ(ConfigHalden::Labels().count("bias"), 0u);
     EXPECT_EQ(factory.at("bias"), "Factory Bias");
-    EXPECT_EQ(plain.count("bias"), 0u);
-    EXPECT_EQ(factory.at("redmodon"),
-              ":BTN:Red Mod On:<arvex><halden><cmd><redmodon>true</redmodon></cmd></halden></arvex>\n");
-    EXPECT_EQ(factory.size(), plain.size() + 26);
 }
 
 }  // namespace

@@ -8,14 +8,6 @@
 
 namespace {
 
-TEST(Morvik, FreshDocumentMatchesGoldenReplies)
-{
-    reset_zones();
-    DocMorvik doc;
-    EXPECT_EQ(reply(doc, "<arvex>&query;</arvex>"), golden("morvik_query.txt"));
-    EXPECT_EQ(reply(doc, "<arvex>&query_doctype;</arvex>"), golden("morvik_doctype.txt"));
-}
-
 TEST(Morvik, MessagesThatChangeNothing)
 {
     struct Row {
