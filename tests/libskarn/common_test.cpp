@@ -206,23 +206,17 @@ TEST(Documents, CommandsLastOneMessage)
 
 TEST(IPAddress, ReadsAddressesAndReportsText)
 {
-    struct Row {
+    const struct {
         const char* text;
-        const char* value_after;
-        const char* reply;
-    } rows[] = {
-        {"10.0.0.7", "10.0.0.7", ""}, {"fe80::1", "fe80::1", ""}, {"192.168.1.95", "192.168.1.95", ""},
-        {"300.1.1.1", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
-        {"fe80::g", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
-        {"gateway", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
-        {"1.2.3.4.5", "192.168.1.95", "<Error Param=\"ipaddress\">unable to read IP address\n</Error>"},
-    };
-    for (const Row& row : rows) {
+        bool good;
+    } rows[] = {{"10.0.0.7", true},   {"fe80::1", true},   {"192.168.1.95", true}, {"300.1.1.1", false},
+                {"fe80::g", false},   {"gateway", false},  {"1.2.3.4.5", false}};
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         ConfigCfgNetwork network;
         EXPECT_EQ(reply(network, std::string("<network><ipaddress>") + row.text + "</ipaddress></network>"),
-                  row.reply);
-        EXPECT_EQ(network.Ipaddress().get().Presentation(), row.value_after);
+                  row.good ? "" : "<Error Param=\"ipaddress\">unable to read IP address\n</Error>");
+        EXPECT_EQ(network.Ipaddress().get().Presentation(), row.good ? row.text : "192.168.1.95");
     }
 }
 
@@ -317,7 +311,6 @@ TEST(SharedChoices, RateFollowsItsParallelIntegers)
     EXPECT_EQ(rate.get_rate(), 10);
     EXPECT_EQ(reply(rate, "<rate>3</rate>"), "<Error Param=\"rate\">invalid option: 3\n</Error>");
     EXPECT_EQ(rate.get_rate(), 10);
-    EXPECT_EQ(&rate.rates(), &rates);
 }
 
 // --- ConfigCfgClock ---

@@ -88,14 +88,8 @@ TEST(DravikCalHistory, AMessageReplacesTheListAndTimeReadsLocalDates)
     EXPECT_EQ(reply(doc, "<arvex><dravik><history><record><time>2016-01-06 09:27:23</time><type>CO2A Zero</type>"
                          "</record><record><time>7</time></record></history></dravik></arvex>"),
               "");
-    std::tm local{};
-    local.tm_year = 116;
-    local.tm_mon = 0;
-    local.tm_mday = 6;
-    local.tm_hour = 9;
-    local.tm_min = 27;
-    local.tm_sec = 23;
-    local.tm_isdst = -1;
+    std::tm local{};  // 2016-01-06 09:27:23 local time
+    local.tm_sec = 23, local.tm_min = 27, local.tm_hour = 9, local.tm_mday = 6, local.tm_year = 116, local.tm_isdst = -1;
     const std::time_t expected = std::mktime(&local);
     EXPECT_EQ(types(doc.Conf().History()), (std::vector<std::string>{"CO2A Zero", ""}));
     const auto* first = static_cast<const ConfigCalRecordDravik*>(doc.Conf().History().children().front());

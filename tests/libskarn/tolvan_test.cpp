@@ -15,18 +15,6 @@ using CleanDoc = Clean<DocTolvan>;
 
 // --- the tree as printed ---
 
-TEST(TolvanDocument, AckIsPrintedOnlyOnRequest)
-{
-    DocTolvan doc;
-    std::ostringstream ack;
-    Configurable::set_compact(ack, true);
-    doc.Ack(ack);
-    EXPECT_EQ(ack.str(), "<arvex><tolvan><ack>true</ack></tolvan></arvex>");
-    EXPECT_EQ(reply(doc, envelope("tolvan", "<ack>false</ack><error>x</error>")), "");
-    EXPECT_TRUE(doc.Conf().Ack().get());
-    EXPECT_EQ(doc.Conf().Error().get(), "");
-}
-
 TEST(TolvanDocument, SerialnumberFollowsTheFactorySection)
 {
     CleanDoc doc;
@@ -275,34 +263,26 @@ struct Recorder : DocTolvanListener {
     void OnLineLock() override { note("OnLineLock"); }
     void OnLogUSBStart() override { note("OnLogUSBStart"); }
     void OnLogUSBStop() override { note("OnLogUSBStop"); }
-    void OnTopHeater(int64_t power, int control, long on, long off, float deltat) override
+    void OnTopHeater(int64_t p, int c, long on, long off, float dt) override { note("OnTopHeater", p, c, on, off, dt); }
+    void OnBottomHeater(int64_t p, int c, int64_t l, long on, long off) override
     {
-        note("OnTopHeater", power, control, on, off, deltat);
+        note("OnBottomHeater", p, c, l, on, off);
     }
-    void OnBottomHeater(int64_t power, int control, int64_t level, long on, long off) override
+    void OnSpinMirror(int c, int64_t l, long on, long off, int64_t d, long r) override
     {
-        note("OnBottomHeater", power, control, level, on, off);
+        note("OnSpinMirror", c, l, on, off, d, r);
     }
-    void OnSpinMirror(int control, int64_t level, long on, long off, int64_t duration, long repeat) override
+    void OnLineLockChanged(int cc, int64_t cd, int bc, int64_t bd, float ct, float bt) override
     {
-        note("OnSpinMirror", control, level, on, off, duration, repeat);
+        note("OnLineLockChanged", cc, cd, bc, bd, ct, bt);
     }
-    void OnLineLockChanged(int cooler_control, int64_t cooler_dac, int block_control, int64_t block_dac,
-                           float cooler_temp, float block_temp) override
-    {
-        note("OnLineLockChanged", cooler_control, cooler_dac, block_control, block_dac, cooler_temp, block_temp);
-    }
-    void OnSetTime(std::time_t t) override
-    {
-        set_time = t;
-        note("OnSetTime");
-    }
+    void OnSetTime(std::time_t t) override { set_time = t, note("OnSetTime"); }
     void OnTimeZone(const std::string& zone) override { note("OnTimeZone", zone); }
     void OnPTP(int index) override { note("OnPTP", index); }
     void OnNetwork(const std::string& name, bool automatic, const SocketAddress& ip, const SocketAddress& mask,
-                   const SocketAddress& gateway) override
+                   const SocketAddress& gw) override
     {
-        note("OnNetwork", name, automatic ? "auto" : "manual", ip, mask, gateway);
+        note("OnNetwork", name, automatic ? "auto" : "manual", ip, mask, gw);
     }
     void OnAux(unsigned n, int type, float a0, float a1, float a2, float a3) override
     {
@@ -420,17 +400,15 @@ TEST(TolvanEvents, CommandsLastOneMessage)
     EXPECT_EQ(serve(doc, recorder, ""), (Calls{"OnFactoryChanged"}));
     EXPECT_FALSE(doc.Conf().Cmd().Poll().get());
     EXPECT_FALSE(doc.Conf().Factory().Cmd().Commit().get());
-}
 
-TEST(TolvanEvents, WithoutAListenerTheMessageIsStillApplied)
-{
-    DocTolvan doc;
-    doc.Conf().Cmd().Reboot().set(true);
+    // Without a listener the message is still applied and the commands reset.
+    DocTolvan alone;
+    alone.Conf().Cmd().Reboot().set(true);
     std::istringstream in(envelope("tolvan", "<cfg><sdmaddress>4</sdmaddress></cfg>"));
     std::ostringstream out;
-    doc.configure_and_send_events(in, out);
-    EXPECT_FALSE(doc.Conf().Cmd().Reboot().get());
-    EXPECT_EQ(doc.Conf().Cfg().Sdmaddress().get(), 4);
+    alone.configure_and_send_events(in, out);
+    EXPECT_FALSE(alone.Conf().Cmd().Reboot().get());
+    EXPECT_EQ(alone.Conf().Cfg().Sdmaddress().get(), 4);
 }
 
 TEST(TolvanEvents, ClockTimeIsHandedOnAsTimeT)
