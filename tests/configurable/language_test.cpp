@@ -139,13 +139,14 @@ TEST(Language, ListsAreReplacedByEachMessage)
 TEST(Language, TypeTexts)
 {
     TestTree tree;
-    EXPECT_EQ(reply(tree, "<L><lunch>&query_doctype_item;</lunch></L>"),
-              "{apple|banana|orange|grapes|tire|translate&lt;&gt;&amp;&apos;&quot;}");
-    EXPECT_EQ(reply(tree, "<L><d>&query_doctype_item;</d></L>"),
-              "<e><g>{float:0.11}</g><g>{float:0.22}</g><g>{float:0.33}</g></e><f>{float:6.5}</f>");
-    EXPECT_EQ(reply(tree, "<L><dyn>&query_doctype;</dyn></L>"), "<L><dyn/></L>");
-    EXPECT_EQ(reply(tree, "<L><dog>&query_doctype;</dog></L>"),
-              "<L><dog pitch=\"{float:11.22}\" sticky>{float:88.11}</dog></L>");
+    run_table(tree, {
+        {"<L><lunch>&query_doctype_item;</lunch></L>",
+         "{apple|banana|orange|grapes|tire|translate&lt;&gt;&amp;&apos;&quot;}"},
+        {"<L><d>&query_doctype_item;</d></L>",
+         "<e><g>{float:0.11}</g><g>{float:0.22}</g><g>{float:0.33}</g></e><f>{float:6.5}</f>"},
+        {"<L><dyn>&query_doctype;</dyn></L>", "<L><dyn/></L>"},
+        {"<L><dog>&query_doctype;</dog></L>", "<L><dog pitch=\"{float:11.22}\" sticky>{float:88.11}</dog></L>"},
+    });
 }
 
 TEST(Language, ChoicesAreEscapedUnlessNoTranslation)

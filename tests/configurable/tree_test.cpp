@@ -69,12 +69,7 @@ TEST(Changes, ClearingGoesDownAndMarkingGoesUp)
     for (Configurable* c : {static_cast<Configurable*>(&tree), static_cast<Configurable*>(&tree.dog),
                             static_cast<Configurable*>(&tree.pitch), static_cast<Configurable*>(&tree.GG)})
         EXPECT_FALSE(c->has_changed()) << c->name();
-}
-
-TEST(Changes, QueriesOnlyReadTheMarks)
-{
-    TestTree tree;
-    tree.c.set(1);
+    tree.c.set(1);  // a query only reads the marks
     EXPECT_EQ(reply(tree, "&query_changes;"), "<L><c>1</c></L>");
     EXPECT_EQ(reply(tree, "&query_changes;"), "<L><c>1</c></L>");
 }
@@ -94,20 +89,6 @@ TEST(Changes, ListenerHearsWhatHappens)
     tree.b.register_configurable_listener(&listener);
     EXPECT_EQ(reply(tree, "<L><b> 3 &query_item;</b></L>"), "3");
     EXPECT_EQ(listener.log, "begin string:3 &query_item; changed:b end ");
-}
-
-TEST(Lists, AddMarksAndDeleteAllEmpties)
-{
-    TestTree tree;
-    tree.dyn.add(*new ConfigurableFloat("v", 1));
-    EXPECT_TRUE(tree.dyn.has_changed());
-    EXPECT_TRUE(tree.has_changed());
-    tree.dyn.add(*new ConfigurableFloat("v", 2));
-    tree.dyn._set_changed(false);
-    EXPECT_TRUE(tree.has_changed());
-    tree.dyn._delete_all();
-    EXPECT_EQ(tree.dyn.children().size(), 0u);
-    EXPECT_TRUE(tree.dyn.has_changed());
 }
 
 TEST(Lists, FindRemoveAndCopy)
@@ -134,6 +115,15 @@ TEST(Lists, FindRemoveAndCopy)
     EXPECT_FALSE(copy.dyn._is_composite_same(source.dyn));
 
     source.dyn.set_to_default();
+    EXPECT_TRUE(source.dyn.children().empty());
+    EXPECT_TRUE(source.dyn.has_changed());
+
+    // Adding marks the list and its parents; deleting all marks the list.
+    source._set_changed(false);
+    source.dyn.add(*new ConfigurableFloat("v", 1));
+    EXPECT_TRUE(source.has_changed());
+    source.dyn._set_changed(false);
+    source.dyn._delete_all();
     EXPECT_TRUE(source.dyn.children().empty());
     EXPECT_TRUE(source.dyn.has_changed());
 }
