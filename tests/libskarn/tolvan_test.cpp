@@ -79,19 +79,21 @@ TEST(TolvanBoxData, OnlyTheUsbLogHasDateAndTime)
 TEST(TolvanBoxData, TrueSetNamesTheColumnsThatAreOn)
 {
     std::set<std::string> columns{"LEFTOVER"};
+    auto has = [&columns](std::initializer_list<const char*> names, size_t expected) {
+        for (const char* name : names)
+            EXPECT_EQ(columns.count(name), expected) << name;
+    };
     ConfigBoxData output(false);
     output.GetTrueSet(columns);
     EXPECT_EQ(columns.size(), 21u);
-    for (const char* absent : {"MSEC", "DATE", "TIME", "LEFTOVER"})
-        EXPECT_EQ(columns.count(absent), 0u) << absent;
-    for (const char* present : {"SECONDS", "NANOSECONDS", "CH4", "CH4D", "AUX1", "AUX8", "AUXTC3", "CHK"})
-        EXPECT_EQ(columns.count(present), 1u) << present;
+    has({"MSEC", "DATE", "TIME", "LEFTOVER"}, 0);
+    has({"SECONDS", "NANOSECONDS", "CH4", "CH4D", "AUX1", "AUX8", "AUXTC3", "CHK"}, 1);
 
     ConfigBoxData usb(true);
     usb.GetTrueSet(columns);
     EXPECT_EQ(columns.size(), 23u);
-    EXPECT_EQ(columns.count("DATE"), 1u);
-    EXPECT_EQ(columns.count("MSEC"), 0u);
+    has({"DATE"}, 1);
+    has({"MSEC"}, 0);
 
     // date is looked at even where it is no child.
     output.Date().set(true);
@@ -99,10 +101,8 @@ TEST(TolvanBoxData, TrueSetNamesTheColumnsThatAreOn)
     output.Ch4().set(false);
     output.GetTrueSet(columns);
     EXPECT_EQ(columns.size(), 22u);
-    EXPECT_EQ(columns.count("DATE"), 1u);
-    EXPECT_EQ(columns.count("MSEC"), 1u);
-    EXPECT_EQ(columns.count("CH4"), 0u);
-    EXPECT_EQ(columns.count("CH4D"), 1u);
+    has({"DATE", "MSEC", "CH4D"}, 1);
+    has({"CH4"}, 0);
 }
 
 // --- cfg ---
