@@ -163,13 +163,9 @@ TEST(Leaves, BadNumbersAndBools)
         bool failed;
     } rows[] = {
         {"junk", "2.5", "unable to read float", false},  // the element goes on
-        {"infinity", "2.5", "unable to read float", false},
-        {"   ", "2.5", "unable to read float", true},
-        {"true", "true", "", false},
-        {"false", "false", "", false},
-        {"True", "false", "invalid bool", false},
-        {"1", "false", "invalid bool", false},
-        {"", "false", "unable to read bool", true},
+        {"infinity", "2.5", "unable to read float", false}, {"   ", "2.5", "unable to read float", true},
+        {"true", "true", "", false}, {"false", "false", "", false}, {"True", "false", "invalid bool", false},
+        {"1", "false", "invalid bool", false}, {"", "false", "unable to read bool", true},
     };
     for (const auto& row : rows) {
         ConfigurableFloat f("f", 2.5f);
@@ -227,10 +223,8 @@ TEST(Leaves, TimesAndDates)
         const char* type_or_error;
     } rows[] = {
         {&stamp, "2001-03-01 12:30:09.5", "2001-03-01 12:30:09.5", "YYYY-MM-DD HH:MM:SS.SS"},
-        {&time, "12:34:56", "12:34:56", "HH:MM:SS"},
-        {&time, "1:2:3", "01:02:03", "HH:MM:SS"},
-        {&hm, "07:05", "07:05", "HH:MM"},
-        {&date, "2001-03-01", "2001-03-01", "YYYY-MM-DD"},
+        {&time, "12:34:56", "12:34:56", "HH:MM:SS"}, {&time, "1:2:3", "01:02:03", "HH:MM:SS"},
+        {&hm, "07:05", "07:05", "HH:MM"}, {&date, "2001-03-01", "2001-03-01", "YYYY-MM-DD"},
         {&ym, "2001-02", "2001-01", "YYYY-MM"},  // day 0: the last day of the month before
         {&stamp, "later", nullptr, "unable to read Timestamp\n"},
         {&time, "12-34-56", nullptr, "unable to read time (should be HH:MM:SS)\n"},
@@ -238,8 +232,7 @@ TEST(Leaves, TimesAndDates)
         {&hm, "12.30", nullptr, "unable to read time (should be HH:MM)\n"},
         {&date, "2001/03/01", nullptr, "unable to read date (should be YYYY-MM-DD)\n"},
         {&ym, "March", nullptr, "unable to read date (should be YYYY-MM)\n"},
-        {&choice, "", nullptr, "unable to read choice\n"},
-        {&string, "", nullptr, "unable to read string\n"},
+        {&choice, "", nullptr, "unable to read choice\n"}, {&string, "", nullptr, "unable to read string\n"},
     };
     for (const auto& row : rows) {
         const ReadResult r = read_into(*row.leaf, row.text);
