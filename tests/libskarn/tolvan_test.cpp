@@ -195,8 +195,6 @@ TEST(TolvanCalHistory, AMessageReplacesTheWholeList)
     add_record(history, 1, "CH4 Zero", 0);
     add_record(history, 2, "CH4 Zero", 0);
     reply(doc, envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type></record></history></cal>"));
-    ASSERT_EQ(history.children().size(), 1u);
-    EXPECT_EQ(static_cast<ConfigCalRecord&>(*history.children().front()).Type().get(), "CH4 Span");
     EXPECT_EQ(reply(doc, envelope("tolvan", "<cal><history>&query;</history></cal>")),
               envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type>"
                                  "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
