@@ -138,13 +138,8 @@ TEST(Leaves, Integers)
     ConfigurableTimeT t("t", 0);
     read_into(t, "1000");
     EXPECT_EQ(written(t), "1000");
-    std::tm local{};
-    local.tm_year = 2024 - 1900;
-    local.tm_mon = 0;
-    local.tm_mday = 15;
-    local.tm_hour = 10;
-    local.tm_min = 30;
-    local.tm_isdst = -1;
+    std::tm local{};  // 2024-01-15 10:30:00 local time
+    local.tm_year = 2024 - 1900, local.tm_mday = 15, local.tm_hour = 10, local.tm_min = 30, local.tm_isdst = -1;
     const std::time_t expected = std::mktime(&local);
     EXPECT_EQ(read_into(t, "2024-01-15 10:30:00").error, "");
     EXPECT_EQ(written(t), std::to_string(expected));
