@@ -306,24 +306,20 @@ TEST(SharedChoices, RateFollowsItsParallelIntegers)
 /// Runs a test body under a given TZ and puts the old one back.
 class LocalZone {
 public:
-    explicit LocalZone(const char* tz)
+    explicit LocalZone(const char* tz) : _old(std::getenv("TZ") ? std::getenv("TZ") : ""), _had(std::getenv("TZ"))
     {
-        if (const char* old = std::getenv("TZ"))
-            _old = std::make_unique<std::string>(old);
         setenv("TZ", tz, 1);
         tzset();
     }
     ~LocalZone()
     {
-        if (_old)
-            setenv("TZ", _old->c_str(), 1);
-        else
-            unsetenv("TZ");
+        _had ? setenv("TZ", _old.c_str(), 1) : unsetenv("TZ");
         tzset();
     }
 
 private:
-    std::unique_ptr<std::string> _old;
+    std::string _old;
+    bool _had;
 };
 
 TEST(Clock, TimeDateWritesZeroFilledText)
