@@ -30,38 +30,32 @@ QColor ColourAt(ExternalTextEdit& edit, int position)
     return cursor.charFormat().foreground().color();
 }
 
+// Each row appends its pieces in turn; only a leading carriage return redraws the last line, and
+// a NUL ends the piece.
 TEST(ExternalTextEdit, AppendsAndRedrawsTheLastLine)
 {
+    const struct {
+        std::vector<QByteArray> pieces;
+        const char* text;
+    } rows[] = {
+        {{"first line\nprogress 10%", "\rprogress 20%"}, "first line\nprogress 20%"},
+        {{"first line\nprogress 10%", "\rprogress 30%\n"}, "first line\nprogress 30%\n"},
+        {{"a\n", "\rdone", ""}, "a\ndone"},  // after a line feed a redraw takes nothing away
+        {{"out", QByteArray("err\0hidden", 10)}, "outerr"},
+    };
+    for (const auto& row : rows) {
+        ExternalTextEdit edit(nullptr);
+        for (const QByteArray& piece : row.pieces)
+            edit.AppendPlainText(piece, Qt::black);
+        EXPECT_EQ(edit.toPlainText(), row.text) << row.text;
+    }
     ExternalTextEdit edit(nullptr);
-    edit.AppendPlainText("first line\nprogress 10%", Qt::black);
-    edit.AppendPlainText("\rprogress 20%", Qt::black);
-    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 20%");
-    edit.AppendPlainText("\rprogress 30%\n", Qt::black);
-    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\n");
-    // After a line feed the current line is empty: a redraw takes nothing away.
-    edit.AppendPlainText("\rdone", Qt::black);
-    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\ndone");
-    edit.AppendPlainText("", Qt::black);
-    EXPECT_EQ(edit.toPlainText(), "first line\nprogress 30%\ndone");
-}
-
-TEST(ExternalTextEdit, OnlyALeadingCarriageReturnRedraws)
-{
-    ExternalTextEdit edit(nullptr);
-    edit.AppendPlainText("keep\nold", Qt::black);
-    edit.AppendPlainText("A\rB", Qt::black);
-    EXPECT_TRUE(edit.toPlainText().startsWith("keep\noldA"));
+    edit.AppendPlainText("keep\nout", Qt::black);
+    edit.AppendPlainText("A\rB", Qt::red);
+    EXPECT_TRUE(edit.toPlainText().startsWith("keep\noutA"));
     EXPECT_TRUE(edit.toPlainText().endsWith("B"));
-}
-
-TEST(ExternalTextEdit, StopsAtTheFirstNulAndColours)
-{
-    ExternalTextEdit edit(nullptr);
-    edit.AppendPlainText("out", Qt::black);
-    edit.AppendPlainText(QByteArray("err\0hidden", 10), Qt::red);
-    EXPECT_EQ(edit.toPlainText(), "outerr");
-    EXPECT_EQ(ColourAt(edit, 0), QColor(Qt::black));
-    EXPECT_EQ(ColourAt(edit, 3), QColor(Qt::red));
+    EXPECT_EQ(ColourAt(edit, 5), QColor(Qt::black));
+    EXPECT_EQ(ColourAt(edit, 8), QColor(Qt::red));
 }
 
 TEST(ExternalTextEdit, KeysArePassedOnNotTyped)
@@ -81,7 +75,15 @@ struct Box {
     QMessageBox::Icon icon;
     QString title, text;
     QMessageBox::StandardButtons buttons;
+    bool operator==(const Box& o) const
+    {
+        return icon == o.icon && title == o.title && text == o.text && buttons == o.buttons;
+    }
 };
+void PrintTo(const Box& b, std::ostream* out)
+{
+    *out << int(b.icon) << "|" << b.title.toStdString() << "|" << b.text.toStdString() << "|" << int(b.buttons);
+}
 
 // Runs button sequences against real child processes, /bin/sh scripts in a temporary directory.
 // Boxes are written down and answered with `answers` in turn (Ok when none is left).
@@ -175,15 +177,10 @@ TEST_F(Runner, SequenceRunsInOrderAndSucceeds)
     EXPECT_EQ(dialog.windowTitle(), "Update -- Running...");
     EXPECT_EQ(dialog.size(), QSize(600, 400));
     ASSERT_TRUE(WaitForBoxes(1));
-    ASSERT_EQ(_boxes.size(), 1u);
-    EXPECT_EQ(_boxes[0].icon, QMessageBox::Information);
-    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
-    EXPECT_EQ(_boxes[0].text, "Succeeded");
-    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Ok);
+    EXPECT_EQ(_boxes, (std::vector<Box>{{QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Ok}}));
     EXPECT_EQ(dialog.windowTitle(), "Update -- Finished");
 
-    // Headings in blue, standard output in black, standard error in red, each stream in order.
-    // The two pipes of one command race each other, so no order between them is promised.
+    // Headings blue, output black, errors red, each stream in order; the two pipes race each other.
     auto* edit = dialog.findChild<ExternalTextEdit*>();
     EXPECT_EQ(LinesIn(*edit, Qt::blue), (QStringList{"*** Step one ***", "*** Step two ***"}));
     EXPECT_EQ(LinesIn(*edit, Qt::black), (QStringList{"out-1", "out-2", "out-3", "1"}));
@@ -193,8 +190,7 @@ TEST_F(Runner, SequenceRunsInOrderAndSucceeds)
     EXPECT_EQ(text.count('\n'), 8) << text.toStdString();
     EXPECT_LT(std::max(text.indexOf("out-2"), text.indexOf("err-2")), text.indexOf("Step two"));
 
-    // Back at the start, the same sequence can run again.
-    dialog.RunCmds();
+    dialog.RunCmds();  // back at the start: runs again
     ASSERT_TRUE(WaitForBoxes(2));
     EXPECT_EQ(_boxes[1].title, "Update -- Finished");
 }
@@ -208,11 +204,8 @@ TEST_F(Runner, FailureStopsTheSequence)
     });
     ASSERT_TRUE(WaitForBoxes(1));
     QTest::qWait(200);  // time for a wrongly started second command to show
-    ASSERT_EQ(_boxes.size(), 1u);
-    EXPECT_EQ(_boxes[0].icon, QMessageBox::Critical);
-    EXPECT_EQ(_boxes[0].title, "Update -- ERROR");
-    EXPECT_EQ(_boxes[0].text, "Error running command 'Erase flash'");
-    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Close);
+    EXPECT_EQ(_boxes, (std::vector<Box>{{QMessageBox::Critical, "Update -- ERROR",
+                                         "Error running command 'Erase flash'", QMessageBox::Close}}));
     EXPECT_EQ(dialog.windowTitle(), "Update -- ERROR");
     EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
     EXPECT_EQ(Output(), "*** Erase flash ***\nfailing\n");
@@ -230,9 +223,9 @@ TEST_F(Runner, NofailGoesOnAndNooutputKeepsOnlyTheHeading)
     EXPECT_EQ(Output(), "*** May fail ***\nshown\n*** Quiet ***\n*** Last ***\nlast\n");
 }
 
+// A directory with a blank in it works only because it is quoted in front of the command.
 TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
 {
-    // A directory with a blank in it only works because it is quoted in front of the command.
     ASSERT_TRUE(QDir(_dir.path()).mkdir("my programs"));
     const std::string program_dir = Path("my programs") + "/";
     const std::string received = Path("received");
@@ -250,8 +243,7 @@ TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
     testing::internal::CaptureStdout();
     Start({Cmd("cmd_flash x", "Flash")}, defines);
     ASSERT_TRUE(WaitForBoxes(1));
-    const std::string out = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(out, "Executing command: \"" + program_dir + "\"cmd_flash x\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_flash x\n");
     EXPECT_EQ(_boxes[0].title, "Update -- Finished");
     QFile file(QString::fromStdString(received));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -260,21 +252,24 @@ TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
     EXPECT_EQ(Output(), "*** Flash ***\nflashed\n");
 }
 
-// The question is the text from its tenth character on.
+// The question is the text from its tenth character on; a process as the last step ends with Ok.
 TEST_F(Runner, ConfirmAsksAndOkGoesOn)
 {
-    _answers = {QMessageBox::Ok, QMessageBox::Ok};
     Start({Cmd("Confirm: Erase?"), Cmd("Confirm:Erase?"), Cmd(Script("go.sh", "echo went"), "Go")});
     ASSERT_TRUE(WaitForBoxes(3));
-    EXPECT_EQ(_boxes[0].icon, QMessageBox::Question);
-    EXPECT_EQ(_boxes[0].title, "Confirm");
-    EXPECT_EQ(_boxes[0].text, "Erase?");
-    EXPECT_EQ(_boxes[0].buttons, QMessageBox::Ok | QMessageBox::Cancel);
-    EXPECT_EQ(_boxes[1].text, "rase?");
-    // The last step was a process: an Ok button.
-    EXPECT_EQ(_boxes[2].title, "Update -- Finished");
-    EXPECT_EQ(_boxes[2].buttons, QMessageBox::Ok);
+    const auto ask = QMessageBox::Ok | QMessageBox::Cancel;
+    EXPECT_EQ(_boxes, (std::vector<Box>{{QMessageBox::Question, "Confirm", "Erase?", ask},
+                                        {QMessageBox::Question, "Confirm", "rase?", ask},
+                                        {QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Ok}}));
     EXPECT_EQ(Output(), "*** Go ***\nwent\n");
+}
+
+TEST_F(Runner, ConfirmAsTheLastStepEndsWithClose)
+{
+    Start({Cmd(Script("first.sh", "true")), Cmd("Confirm: Reboot now?")});
+    ASSERT_TRUE(WaitForBoxes(2));
+    EXPECT_EQ(_boxes[0].text, "Reboot now?");
+    EXPECT_EQ(_boxes[1], (Box{QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Close}));
 }
 
 TEST_F(Runner, ConfirmCancelledEndsTheSequence)
@@ -283,24 +278,11 @@ TEST_F(Runner, ConfirmCancelledEndsTheSequence)
     const std::string marker = Path("never");
     ExternalDialog& dialog = Start({Cmd("Confirm: Really?"), Cmd(Script("after.sh", "touch " + marker))});
     ASSERT_EQ(_boxes.size(), 2u);  // the question runs at once, inside RunCmds
-    EXPECT_EQ(_boxes[1].icon, QMessageBox::Information);  // cancelling counts as success
-    EXPECT_EQ(_boxes[1].title, "Update -- Cancelled");
-    EXPECT_EQ(_boxes[1].text, "Update cancelled");
-    EXPECT_EQ(_boxes[1].buttons, QMessageBox::Close);
+    // Cancelling counts as success.
+    EXPECT_EQ(_boxes[1], (Box{QMessageBox::Information, "Update -- Cancelled", "Update cancelled", QMessageBox::Close}));
     EXPECT_EQ(dialog.windowTitle(), "Update -- Cancelled");
     QTest::qWait(200);
     EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
-}
-
-TEST_F(Runner, ConfirmAsTheLastStepEndsWithClose)
-{
-    Start({Cmd(Script("first.sh", "true")), Cmd("Confirm: Reboot now?")});
-    ASSERT_TRUE(WaitForBoxes(2));
-    EXPECT_EQ(_boxes[0].text, "Reboot now?");
-    EXPECT_EQ(_boxes[1].icon, QMessageBox::Information);
-    EXPECT_EQ(_boxes[1].title, "Update -- Finished");
-    EXPECT_EQ(_boxes[1].text, "Succeeded");
-    EXPECT_EQ(_boxes[1].buttons, QMessageBox::Close);
 }
 
 // A key typed in the output area reaches the command, which redraws its line in answer.

@@ -3,18 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <string>
-#include <vector>
+
+#include "tests/discovery/discovery_test_util.h"
 
 namespace {
-
-SocketAddress Address(const std::string& text, int port, unsigned scope = 0)
-{
-    SocketAddress address(text);
-    address.Port(port);
-    address.Scope(scope);
-    return address;
-}
 
 TEST(InstInfo, NamesSortWithoutRegardToCase)
 {

@@ -2,39 +2,24 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QFile>
-#include <QInputDialog>
 #include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "app/externaldialog.h"
 #include "app/externaltextedit.h"
-#include "tests/app/app_test_util.h"
 #include "link/connector.h"
+#include "tests/app/app_test_util.h"
+#include "tests/discovery/discovery_test_util.h"
 #include "tests/discovery/dnssd_double.h"
 
 namespace {
 
 const int kTimeoutMs = 20000;
 using Window = MyFrame::InstrumentWindow;
+using Request = MyFrame::WindowRequest;
 using Txt = std::map<std::string, std::string>;
-
-SocketAddress Address(const std::string& text, int port, unsigned scope = 0)
-{
-    SocketAddress address(text);
-    address.Port(port);
-    address.Scope(scope);
-    return address;
-}
 
 // The panel with its one window function written down instead of opening anything.
 class RecordingFrame : public MyFrame {
@@ -73,6 +58,7 @@ protected:
 
     QTreeWidgetItem* Select(const QString& name)
     {
+        Tree().clearSelection();
         for (int i = 0; i < Tree().topLevelItemCount(); ++i)
             if (Tree().topLevelItem(i)->text(0) == name) {
                 Tree().topLevelItem(i)->setSelected(true);
@@ -101,8 +87,6 @@ protected:
     RecordingFrame* _frame = nullptr;
 };
 
-// --- the list ---
-
 TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
 {
     Make();
@@ -110,7 +94,6 @@ TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
     EXPECT_TRUE(_frame->findChildren<MyPushButton*>().empty());
     EXPECT_TRUE(DnsSdDouble::Calls("Browse").empty());
     ASSERT_EQ(Rows(), (std::vector<QStringList>{{"Other...", "", "", ""}}));
-    ASSERT_EQ(_frame->Instruments().size(), 1u);
     const InstInfo& other = _frame->Instruments()[0];
     EXPECT_EQ(other.type, "other");
     EXPECT_EQ(other.host, "other.local.");
@@ -129,32 +112,42 @@ TEST_F(Panel, FourthHeaderIsBlankForAnUpdateProgram)
     }
 }
 
-TEST_F(Panel, TypeWordAndModelColumn)
+// The type word picks the model column and the window a double click opens.
+TEST_F(Panel, TypeWordModelColumnAndWindow)
 {
     const struct {
-        const char* type;
-        const char* model;
-        const char* word;
-        const char* shown;
+        const char *type, *model, *word, *shown;
+        Window window;
     } rows[] = {
-        {"_arvex-tolvan._tcp", "Tolvan", "tolvan", "Tolvan"},
-        {"_arvex-morvik._tcp", "Pelsen", "morvik", "Pelsen (Tolvan)"},
-        {"_arvex-sarnel._tcp", "Pelsen", "sarnel", "Pelsen (Yarvel/Zelmin)"},
-        {"_arvex-sarnel._tcp", "Pelsen 2", "sarnel", "Pelsen 2"},
-        {"_arvex-halden._tcp", "Pelsen", "halden", "Pelsen"},
-        {"_arvex-sarnel-morvik._tcp", "Pelsen", "morvik", "Pelsen (Tolvan)"},  // the list's order decides
-        {"_arvex-bremmel._tcp", "Bremmel", "bremmel", "Bremmel"},
-        {"_arvex-quenta._tcp", "", "quenta", ""},
-        {"_arvex-DRAVIK._tcp", "Dravik", "unknown", "Dravik"},                 // case counts
-        {"_http._tcp", "web", "unknown", "web"},
+        {"_arvex-tolvan._tcp", "Tolvan", "tolvan", "Tolvan", Window::WatchTolvan},
+        {"_arvex-morvik._tcp", "Pelsen", "morvik", "Pelsen (Tolvan)", Window::ConfigMorvik},
+        {"_arvex-sarnel._tcp", "Pelsen", "sarnel", "Pelsen (Yarvel/Zelmin)", Window::ConfigMorvik},
+        {"_arvex-sarnel._tcp", "Pelsen 2", "sarnel", "Pelsen 2", Window::ConfigMorvik},
+        {"_arvex-halden._tcp", "Pelsen", "halden", "Pelsen", Window::WatchHalden},
+        {"_arvex-sarnel-morvik._tcp", "Pelsen", "morvik", "Pelsen (Tolvan)", Window::ConfigMorvik},  // list order
+        {"_arvex-bremmel._tcp", "Bremmel", "bremmel", "Bremmel", Window::WatchBremmel},
+        {"_arvex-quenta._tcp", "", "quenta", "", Window::WatchQuenta},
+        {"_arvex-dravik._tcp", "Dravik", "dravik", "Dravik", Window::WatchDravik},
+        {"_arvex-DRAVIK._tcp", "Dravik", "unknown", "Dravik", Window::WatchTolvan},  // case counts
+        {"_http._tcp", "web", "unknown", "web", Window::WatchTolvan},
     };
     for (const auto& row : rows) {
         Make();
-        Announce("inst", row.type, Address("10.0.0.1", 4410), {{"model", row.model}, {"ver", "3.1"}});
+        Announce("inst", row.type, Address("10.0.0.7", 4000), {{"model", row.model}, {"ver", "3.1"}});
         ASSERT_EQ(_frame->Instruments().size(), 2u);
         EXPECT_EQ(_frame->Instruments()[0].type, row.word) << row.type;
         EXPECT_EQ(Rows()[0], (QStringList{"inst", row.shown, "3.1", ""})) << row.type;
+        _frame->OnItemDoubleClicked(Select("inst"), 0);
+        if (std::string(row.word) == "unknown") {
+            EXPECT_TRUE(_frame->opened.empty()) << row.type;
+        } else {
+            ASSERT_EQ(_frame->opened.size(), 1u) << row.type;
+            EXPECT_EQ(_frame->opened[0], (Request{row.window, "inst", row.word, "10.0.0.7", 0, 4000, true}));
+        }
     }
+    Tree().clearSelection();
+    _frame->OnItemDoubleClicked(Tree().topLevelItem(0), 0);  // without a selection
+    EXPECT_TRUE(_frame->opened.empty());
 }
 
 TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
@@ -163,12 +156,12 @@ TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
              "tolvan-1.local.");
     Select("ch4-1");
-    const QString ip_line = "<tr><td><strong>IP: </strong>10.1.2.3:4410</td></tr>";
-    EXPECT_EQ(Info(), "<table><tr><td><strong>NAME: </strong>ch4-1</td></tr>"
-                      "<tr><td><strong>HOST: </strong>tolvan-1.local.</td></tr>" +
-                          ip_line +
-                          "<tr><td><strong>model: </strong>Tolvan</td></tr>"
-                          "<tr><td><strong>ver: </strong>1.2</td></tr></table>");
+    const QString head = "<table><tr><td><strong>NAME: </strong>ch4-1</td></tr>"
+                         "<tr><td><strong>HOST: </strong>tolvan-1.local.</td></tr>"
+                         "<tr><td><strong>IP: </strong>10.1.2.3:4410</td></tr>";
+    const QString tail = "<tr><td><strong>model: </strong>Tolvan</td></tr>"
+                         "<tr><td><strong>ver: </strong>1.2</td></tr></table>";
+    EXPECT_EQ(Info(), head + tail);
 
     _frame->AddService("ch4-1", "_arvex-halden._tcp", "local.", 3, "elsewhere.local.", Address("fe80::1", 4410, 3),
                        {{"model", "Changed"}, {"ver", "9.9"}, {"extra", "x"}});
@@ -177,14 +170,8 @@ TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
     EXPECT_EQ(Info(), "");
     EXPECT_EQ(Rows()[0], (QStringList{"ch4-1", "Tolvan", "1.2", ""}));
     EXPECT_EQ(_frame->Instruments()[0].type, "tolvan");
-
     Select("ch4-1");
-    EXPECT_EQ(Info(), "<table><tr><td><strong>NAME: </strong>ch4-1</td></tr>"
-                      "<tr><td><strong>HOST: </strong>tolvan-1.local.</td></tr>" +
-                          ip_line +
-                          "<tr><td><strong>IP: </strong>fe80::1%3:4410</td></tr>"
-                          "<tr><td><strong>model: </strong>Tolvan</td></tr>"
-                          "<tr><td><strong>ver: </strong>1.2</td></tr></table>");
+    EXPECT_EQ(Info(), head + "<tr><td><strong>IP: </strong>fe80::1%3:4410</td></tr>" + tail);
 }
 
 TEST_F(Panel, RemoveTakesTheFirstOfThatNameWhateverTheType)
@@ -192,7 +179,6 @@ TEST_F(Panel, RemoveTakesTheFirstOfThatNameWhateverTheType)
     Make();
     Announce("dup", "_arvex-tolvan._tcp", Address("10.0.0.1", 4410), {});
     Announce("DUP", "_arvex-halden._tcp", Address("10.0.0.2", 4430), {});
-    Select("dup");
     _frame->RemoveService("dup", "_arvex-halden._tcp", "local.");
     EXPECT_EQ(Rows().size(), 2u);
     EXPECT_EQ(Rows()[0][0], "DUP");
@@ -218,74 +204,28 @@ TEST_F(Panel, LogFileColumnFollowsTheConnector)
     EXPECT_EQ(Rows()[0][3], "");
 }
 
-TEST_F(Panel, ServiceErrorGoesToStandardOutput)
-{
-    Make();
-    testing::internal::CaptureStdout();
-    const bool answer = _frame->ServiceError("Error browsing: Unknown Error");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "ERROR: Error browsing: Unknown Error\n");
-    EXPECT_FALSE(answer);
-}
-
-// --- windows ---
-
 TEST_F(Panel, WatchDialsTheLinkLocalAddressWithItsScope)
 {
     Make();
     _frame->OnWatchTolvanButtonClicked();  // nothing selected: nothing opens
     EXPECT_TRUE(_frame->opened.empty());
-
     Announce("both", "_arvex-tolvan._tcp", Address("10.0.0.5", 4410), {{"model", "Tolvan"}});
     Announce("both", "_arvex-tolvan._tcp", Address("fe80::5", 4410, 4), {});
     Announce("global", "_arvex-tolvan._tcp", Address("2001:db8::5", 4410), {{"model", "Tolvan"}});
     Announce("global", "_arvex-tolvan._tcp", Address("10.0.0.6", 4410), {});
     Select("both");
     _frame->OnWatchTolvanButtonClicked();
-    Tree().clearSelection();
     Select("global");
     _frame->OnWatchTolvanButtonClicked();
-    ASSERT_EQ(_frame->opened.size(), 2u);
-    EXPECT_EQ(_frame->opened[0],
-              (MyFrame::WindowRequest{Window::WatchTolvan, "both", "tolvan", "fe80::5", 4, 4410, true}));
-    EXPECT_EQ(_frame->opened[1],
-              (MyFrame::WindowRequest{Window::WatchTolvan, "global", "tolvan", "10.0.0.6", 0, 4410, true}));
-}
-
-TEST_F(Panel, DoubleClickOpensByTypeWord)
-{
-    const struct {
-        const char* type;
-        Window window;
-    } rows[] = {
-        {"_arvex-tolvan._tcp", Window::WatchTolvan},  {"_arvex-morvik._tcp", Window::ConfigMorvik},
-        {"_arvex-sarnel._tcp", Window::ConfigMorvik}, {"_arvex-quenta._tcp", Window::WatchQuenta},
-        {"_arvex-dravik._tcp", Window::WatchDravik},  {"_arvex-halden._tcp", Window::WatchHalden},
-        {"_arvex-bremmel._tcp", Window::WatchBremmel},
-    };
-    for (const auto& row : rows) {
-        Make();
-        Announce("inst", row.type, Address("10.0.0.7", 4000), {});
-        _frame->OnItemDoubleClicked(Select("inst"), 0);
-        ASSERT_EQ(_frame->opened.size(), 1u) << row.type;
-        EXPECT_EQ(_frame->opened[0].window, row.window) << row.type;
-        EXPECT_EQ(_frame->opened[0].address, "10.0.0.7");
-        EXPECT_EQ(_frame->opened[0].port, 4000);
-        EXPECT_TRUE(_frame->opened[0].from_list);
-    }
-
-    Make();
-    Announce("web", "_http._tcp", Address("10.0.0.8", 80), {});
-    _frame->OnItemDoubleClicked(Select("web"), 0);
-    Tree().clearSelection();
-    _frame->OnItemDoubleClicked(Tree().topLevelItem(0), 0);  // without a selection
-    EXPECT_TRUE(_frame->opened.empty());
+    EXPECT_EQ(_frame->opened, (std::vector<Request>{{Window::WatchTolvan, "both", "tolvan", "fe80::5", 4, 4410, true},
+                                                    {Window::WatchTolvan, "global", "tolvan", "10.0.0.6", 0, 4410,
+                                                     true}}));
 }
 
 TEST_F(Panel, OtherParsing)
 {
     const struct {
-        const char* text;
-        const char* address;
+        const char *text, *address;
         int port;
         Window window;
         const char* type;
@@ -321,56 +261,43 @@ TEST_F(Panel, OtherParsing)
 TEST_F(Panel, OtherRowAsksForTheAddressAndRemembersIt)
 {
     Make();
-    QTreeWidgetItem* other = Select("Other...");
     QString offered = "unset";
-    AnswerInputDialog([&](QInputDialog& dialog) {
-        EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
-        EXPECT_EQ(dialog.labelText(), "Address:");
-        EXPECT_EQ(dialog.textEchoMode(), QLineEdit::Normal);
-        offered = dialog.textValue();
-        dialog.setTextValue("10.0.0.5:50111");
-        dialog.accept();
-    });
-    _frame->OnItemDoubleClicked(other, 0);
+    // Each answer takes the offered text, types `typed` (null: keeps it), and accepts or cancels.
+    auto answer = [&](const char* typed, bool accept) {
+        AnswerInputDialog([&offered, typed, accept](QInputDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
+            EXPECT_EQ(dialog.labelText(), "Address:");
+            offered = dialog.textValue();
+            if (typed)
+                dialog.setTextValue(typed);
+            accept ? dialog.accept() : dialog.reject();
+        });
+    };
+    answer("10.0.0.5:50111", true);
+    _frame->OnItemDoubleClicked(Select("Other..."), 0);
     EXPECT_EQ(offered, "");
-    ASSERT_EQ(_frame->opened.size(), 1u);
-    EXPECT_EQ(_frame->opened[0],
-              (MyFrame::WindowRequest{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}));
-
-    // The last address is offered again; cancelling opens nothing and forgets it.
-    AnswerInputDialog([&](QInputDialog& dialog) {
-        offered = dialog.textValue();
-        dialog.reject();
-    });
+    EXPECT_EQ(_frame->opened,
+              (std::vector<Request>{{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}}));
+    // The last address is offered again; cancelling opens nothing and forgets it; empty opens nothing.
+    answer(nullptr, false);
     _frame->OnOtherButtonClicked();
     EXPECT_EQ(offered, "10.0.0.5:50111");
-    AnswerInputDialog([&](QInputDialog& dialog) {
-        offered = dialog.textValue();
-        dialog.accept();  // empty: nothing opens
-    });
+    answer(nullptr, true);
     _frame->OnOtherButtonClicked();
     EXPECT_EQ(offered, "");
     EXPECT_EQ(_frame->opened.size(), 1u);
 }
 
-// --- the description file ---
-
-const char* const kButtonsFile =
-    "<config><title>Panel Test</title>"
-    "<services><service>_arvex-tolvan._tcp</service><service>_arvex-halden._tcp</service></services>"
-    "<defines><define><name>v</name><value>2.0</value></define></defines>"
-    "<buttons>"
-    "<button><caption>watch-tolvan</caption></button>"
-    "<button><caption>cpld</caption></button>"
-    "<button service=\"halden dravik\"><caption>Flash $(v)</caption><cmds><cmd>true</cmd></cmds></button>"
-    "<button><caption>Plain</caption></button>"
-    "<button><caption>config-morvik</caption></button>"
-    "<button><caption>watch-bremmel</caption></button>"
-    "</buttons></config>";
-
-TEST_F(Panel, ButtonsComeFromTheDescriptionFile)
+TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
 {
-    DescriptionFile file(kButtonsFile);
+    DescriptionFile file(
+        "<config><title>Panel Test</title>"
+        "<services><service>_arvex-tolvan._tcp</service><service>_arvex-halden._tcp</service></services>"
+        "<defines><define><name>v</name><value>2.0</value></define></defines><buttons>"
+        "<button><caption>watch-tolvan</caption></button><button><caption>cpld</caption></button>"
+        "<button service=\"halden dravik\"><caption>Flash $(v)</caption><cmds><cmd>true</cmd></cmds></button>"
+        "<button><caption>Plain</caption></button><button><caption>config-morvik</caption></button>"
+        "<button><caption>watch-bremmel</caption></button></buttons></config>");
     Make();
     EXPECT_EQ(_window->windowTitle(), "Panel Test");
     std::vector<MyFrame::ButtonMarkup> markups;
@@ -378,7 +305,6 @@ TEST_F(Panel, ButtonsComeFromTheDescriptionFile)
     ASSERT_EQ(markups.size(), 6u);
     EXPECT_EQ(markups[2].caption, "Flash 2.0");
     EXPECT_EQ(markups[2].service, "halden dravik");
-
     QStringList texts;
     for (MyPushButton* button : _frame->findChildren<MyPushButton*>()) {
         texts << button->text();
@@ -387,40 +313,32 @@ TEST_F(Panel, ButtonsComeFromTheDescriptionFile)
     }
     EXPECT_EQ(texts, (QStringList{"Watch Tolvan", "CPLD Control Panel...", "Flash 2.0...", "Plain...", "Config Pelsen",
                                   "watch-bremmel..."}));
-    EXPECT_TRUE(Button("Flash 2.0...")->isHidden());
-    EXPECT_FALSE(Button("Plain...")->isHidden());
-
     std::vector<std::string> browsed;
     for (const DnsSdCall& call : DnsSdDouble::Calls("Browse"))
         browsed.push_back(call.type);
     EXPECT_EQ(browsed, (std::vector<std::string>{"_arvex-tolvan._tcp", "_arvex-halden._tcp"}));
-}
 
-TEST_F(Panel, SelectionDecidesTheButtons)
-{
-    DescriptionFile file(kButtonsFile);
-    Make();
     Announce("halden-1", "_arvex-halden._tcp", Address("10.0.0.3", 4430), {{"model", "Halden"}});
     Announce("tolvan-1", "_arvex-tolvan._tcp", Address("10.0.0.4", 4410), {{"model", "Tolvan"}});
-
-    Select("halden-1");
-    EXPECT_TRUE(Button("Flash 2.0...")->isEnabled());
-    EXPECT_FALSE(Button("Flash 2.0...")->isHidden());
-    EXPECT_TRUE(Button("Plain...")->isEnabled());
-    EXPECT_TRUE(Button("CPLD Control Panel...")->isEnabled());
-    EXPECT_FALSE(Button("Watch Tolvan")->isEnabled());  // not a Tolvan
-    EXPECT_FALSE(Button("Config Pelsen")->isEnabled());
-
-    Tree().clearSelection();
-    EXPECT_TRUE(Button("Flash 2.0...")->isHidden());
-    EXPECT_FALSE(Button("Plain...")->isEnabled());
-    EXPECT_EQ(Info(), "");
-
-    Select("tolvan-1");
-    EXPECT_FALSE(Button("Flash 2.0...")->isEnabled());
-    EXPECT_TRUE(Button("Flash 2.0...")->isHidden());
-    EXPECT_TRUE(Button("Plain...")->isEnabled());
-    EXPECT_TRUE(Button("Watch Tolvan")->isEnabled());
+    // Per selection: Flash enabled, Flash shown, Plain, CPLD, Watch Tolvan, Config Pelsen enabled.
+    const struct {
+        const char* select;
+        bool flash, flash_shown, plain, cpld, watch, config;
+    } rows[] = {
+        {"halden-1", true, true, true, true, false, false},
+        {nullptr, false, false, false, false, false, false},
+        {"tolvan-1", false, false, true, true, true, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.select ? row.select : "none");
+        row.select ? (void)Select(row.select) : Tree().clearSelection();
+        EXPECT_EQ(Button("Flash 2.0...")->isEnabled(), row.flash);
+        EXPECT_EQ(Button("Flash 2.0...")->isHidden(), !row.flash_shown);
+        EXPECT_EQ(Button("Plain...")->isEnabled(), row.plain);
+        EXPECT_EQ(Button("CPLD Control Panel...")->isEnabled(), row.cpld);
+        EXPECT_EQ(Button("Watch Tolvan")->isEnabled(), row.watch);
+        EXPECT_EQ(Button("Config Pelsen")->isEnabled(), row.config);
+    }
 }
 
 TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
@@ -448,13 +366,13 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
              "tolvan-1.local.");
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("fe80::1", 4410, 3), {});
     Select("ch4-1");
-    ASSERT_TRUE(Button("Show...")->isEnabled());
     Button("Show...")->click();
 
     auto* dialog = _frame->findChild<ExternalDialog*>();
     ASSERT_NE(dialog, nullptr);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.empty(); }, kTimeoutMs));
     EXPECT_EQ(boxes[0], "Show -- Finished");
+    // A define of the file is not replaced by the panel's own (ipv4).
     const std::string json = "{\"host\":\"tolvan-1.local.\",\"ip\":\"fe80::1%3\",\"ipv4\":\"from-file\","
                              "\"model\":\"Tolvan\",\"name\":\"ch4-1\",\"program_dir\":\"" +
                              dir.path().toStdString() + "/\",\"ver\":\"1.2\"}";
@@ -469,8 +387,7 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     ExternalDialog::SetMessageBox(nullptr);
 }
 
-// Named in the description file or on the command line, an instrument is a row like an
-// announced one, and opens the window its model calls for on its address.
+// Named in the description file or on the command line, an instrument is listed as if announced.
 TEST_F(Panel, InstrumentsNamedByHandAreListedAsIfAnnounced)
 {
     DescriptionFile file("<config><instruments><instrument><name>sim-tolvan</name><model>tolvan</model>"
@@ -483,19 +400,13 @@ TEST_F(Panel, InstrumentsNamedByHandAreListedAsIfAnnounced)
     EXPECT_EQ(Rows(), (std::vector<QStringList>{{"far", "Pelsen (Tolvan)", "", ""},
                                                 {"Other...", "", "", ""},
                                                 {"sim-tolvan", "Tolvan", "", ""}}));
-
     _frame->OnItemDoubleClicked(Select("sim-tolvan"), 0);
-    Tree().clearSelection();
     _frame->OnItemDoubleClicked(Select("far"), 0);
     EXPECT_TRUE(Info().contains("<strong>IP: </strong>fe80::9%2:4421")) << Info().toStdString();
-    ASSERT_EQ(_frame->opened.size(), 2u);
-    EXPECT_EQ(_frame->opened[0],
-              (MyFrame::WindowRequest{Window::WatchTolvan, "sim-tolvan", "tolvan", "127.0.0.1", 0, 4410, true}));
-    EXPECT_EQ(_frame->opened[1],
-              (MyFrame::WindowRequest{Window::ConfigMorvik, "far", "morvik", "fe80::9", 2, 4421, true}));
+    EXPECT_EQ(_frame->opened,
+              (std::vector<Request>{{Window::WatchTolvan, "sim-tolvan", "tolvan", "127.0.0.1", 0, 4410, true},
+                                    {Window::ConfigMorvik, "far", "morvik", "fe80::9", 2, 4421, true}}));
 }
-
-// --- with discovery ---
 
 TEST_F(Panel, DiscoveredInstrumentsAreListed)
 {
@@ -521,6 +432,7 @@ TEST_F(Panel, DiscoveredInstrumentsAreListed)
     EXPECT_EQ(Rows()[0][0], "Other...");
 }
 
+// A service error is printed and never thrown.
 TEST_F(Panel, BrowseFailureIsPrinted)
 {
     DescriptionFile file("<config><services><service>_arvex-tolvan._tcp</service></services></config>");

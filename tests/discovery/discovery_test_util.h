@@ -1,11 +1,34 @@
 #pragma once
-// Helpers of the discovery tests: a listener that writes down what it hears.
+// Helpers of the discovery tests: addresses, and a listener that writes down what it hears.
+
+#include <net/if.h>
 
 #include <map>
 #include <string>
 #include <vector>
 
 #include "discovery/bonjourclient.h"
+
+/// `text` with its port and scope.
+inline SocketAddress Address(const std::string& text, int port, unsigned scope = 0)
+{
+    SocketAddress address(text);
+    address.Port(port);
+    address.Scope(scope);
+    return address;
+}
+
+/// The names of this namespace's network interfaces.
+inline std::vector<std::string> InterfaceNames()
+{
+    std::vector<std::string> names;
+    if (struct if_nameindex* interfaces = if_nameindex()) {
+        for (struct if_nameindex* i = interfaces; i->if_index != 0; ++i)
+            names.push_back(i->if_name);
+        if_freenameindex(interfaces);
+    }
+    return names;
+}
 
 /// One AddService call.
 struct FoundAddress {

@@ -3,15 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "discovery/bonjourresolver.h"
+#include "discovery_test_util.h"
 
 namespace {
-
-SocketAddress Address(const std::string& text, int port)
-{
-    SocketAddress address(text);
-    address.Port(port);
-    return address;
-}
 
 TEST(Resolver, GathersAddressesPerName)
 {

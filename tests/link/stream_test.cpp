@@ -126,7 +126,6 @@ TEST_F(StreamTest, RecordKinds)
     };
     for (const Row& row : rows)
         EXPECT_EQ(connector->RecordType(row.name), row.kind) << row.name;
-    EXPECT_EQ(connector->RecordType("DAT"), RecUnknown);
 }
 
 TEST_F(StreamTest, ValuesFollowTheHeader)
@@ -161,19 +160,10 @@ TEST_F(StreamTest, ValuesFollowTheHeader)
     connector->HandleData(with_sum("DATA\t7\t8\t"));
     EXPECT_EQ(log, "");
     EXPECT_EQ(connector->VarNumeric(name + ":DATA:B"), 8);
-}
 
-TEST_F(StreamTest, TestRecordsReadHexadecimal)
-{
-    connector->HandleData("DATATESTH\tA\tB\n");
-    connector->HandleData("DATAH\tA\tB\tC\n");
-    connector->HandleData(with_sum("DATATEST\t0x00ff\t0x\t"));
-    connector->HandleData(with_sum("DATA\t0x00ff\t1\t2\t"));
-    EXPECT_EQ(connector->VarNumeric(name + ":DATATEST:A"), 255);
-    EXPECT_EQ(connector->VarStrings("DATATEST")[0], "0x00ff");
-    EXPECT_EQ(connector->VarNumeric(name + ":DATATEST:B"), 0);
-    EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 0);
-    EXPECT_DOUBLE_EQ(connector->Time(), 1 + 2e-9);  // the data record came last
+    connector->HandleData("DATAH\tA\tA\tB\n");
+    connector->HandleData(with_sum("DATA\t1\t2\t3\t"));
+    EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 2);  // repeated names share one number
 }
 
 // A field reads as a fresh stream reads it: trailing text ignored, 0 when it does not parse.
@@ -188,7 +178,7 @@ TEST_F(StreamTest, FieldsReadAsAStreamReadsThem)
         {"DATA", "-.5", -0.5}, {"DATA", "1e5e3", 1e5}, {"DATA", "1.5.3", 1.5}, {"DATA", "5-", 5}, {"DATA", "1e", 0},
         {"DATA", "1e+", 0},    {"DATA", "1.5E-", 0},   {"DATA", "+-5", 0},     {"DATA", "--5", 0},   {"DATA", "inf", 0},
         {"DATA", "1e999", 0},  {"DATA", "0x10", 0},    {"DATATEST", "0xFFFF", 65535}, {"DATATEST", "0x1g", 1},
-        {"DATATEST", "2.5", 2.5}, {"DATATEST", "1e", 0},
+        {"DATATEST", "2.5", 2.5}, {"DATATEST", "1e", 0}, {"DATATEST", "0x", 0},
         {"DATATEST", "0x10000", 0}, {"DATATEST", "0x10001", 0},  // past 16 bits the stream fails: no wrap, no clamp
     };
     for (const auto& row : rows) {
@@ -259,13 +249,6 @@ TEST_F(StreamTest, EventsClocksUnitsWaveformsAndRaw)
                    "L:Unit:DATAU L:Waveform:DATAR L:Raw:DATAFLRAW ");
     EXPECT_EQ(connector->LookupEvent("POWER"), "DATAEVENT\tPOWER\ton at last\n");
     EXPECT_EQ(connector->Unit("DATAU"), (std::vector<std::string>{"ppm", "C"}));
-}
-
-TEST_F(StreamTest, RepeatedFieldNamesShareOneNumber)
-{
-    connector->HandleData("DATAH\tA\tA\tB\n");
-    connector->HandleData(with_sum("DATA\t1\t2\t3\t"));
-    EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 2);
 }
 
 TEST(Registry, FactorySharesAndReplaces)
