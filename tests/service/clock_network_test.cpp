@@ -3,9 +3,7 @@
 
 #include <QComboBox>
 #include <QFocusEvent>
-#include <QLineEdit>
 #include <QRadioButton>
-#include <QTimer>
 
 #include <sstream>
 
@@ -70,19 +68,17 @@ TEST(ClockTolvanDialog, QueriesWhileShownAndFollowsTheAreasNotBeingEdited)
     EXPECT_FALSE(timer->isActive());
 }
 
-struct RebootCase {
-    const char* type;
-    const char* line;
-};
-
 TEST(NetworkTolvanDialog, RebootGoesToTheModelTagAndASarnelIsReadOnly)
 {
-    const RebootCase cases[] = {
+    const struct {
+        const char* type;
+        const char* line;
+    } cases[] = {
         {"tolvan", "<arvex><tolvan><cmd><reboot>true</reboot></cmd></tolvan></arvex>\n"},
         {"morvik", "<arvex><morvik><cmd><reboot>true</reboot></cmd></morvik></arvex>\n"},
         {"sarnel", "<arvex><morvik><cmd><reboot>true</reboot></cmd></morvik></arvex>\n"},
     };
-    for (const RebootCase& c : cases) {
+    for (const auto& c : cases) {
         Wire wire(c.type);
         ConfigCfgNetwork& section = c.type == std::string("tolvan") ? wire.Doc().Conf().Cfg().Network()
                                                                     : wire.connector->Doc_Morvik().Conf().Cfg().Network();

@@ -6,9 +6,7 @@
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QGroupBox>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSpinBox>
 
 #include <functional>
@@ -17,24 +15,13 @@
 
 namespace {
 
-QGroupBox* group(QWidget* dialog, const QString& title)
-{
-    for (QGroupBox* box : dialog->findChildren<QGroupBox*>())
-        if (box->title() == title)
-            return box;
-    ADD_FAILURE() << "no group " << title.toStdString();
-    return nullptr;
-}
-
-struct TempCase {
-    const char* what;
-    std::function<void(TempTolvanDialog&)> act;
-    const char* sent;
-};
-
 TEST(TempTolvanDialog, EachChangeGoesOutAtOnceAndATouchedValueSelectsItsMode)
 {
-    const TempCase cases[] = {
+    const struct {
+        const char* what;
+        std::function<void(TempTolvanDialog&)> act;
+        const char* sent;
+    } cases[] = {
         {"cooler set point in Automatic",
          [](TempTolvanDialog& d) { group(&d, "Cooler Temperature Control")->findChild<QDoubleSpinBox*>()->setValue(30.5); },
          "<lasercooler><control>manual</control><temp>30.5</temp></lasercooler>"},
@@ -47,7 +34,7 @@ TEST(TempTolvanDialog, EachChangeGoesOutAtOnceAndATouchedValueSelectsItsMode)
          "<laserblock><temp>20</temp></laserblock>"},
         {"low range", [](TempTolvanDialog& d) { Click(&d, "Low Range (-25...25C)"); }, "<temprange>low</temprange>"},
     };
-    for (const TempCase& c : cases) {
+    for (const auto& c : cases) {
         Wire wire;
         TempTolvanDialog dialog(nullptr, "bench", &wire.Doc());
         wire.Join(&dialog);
@@ -129,17 +116,15 @@ TEST(RateDialog, ARateThatTheTableLacksChangesNothing)
     EXPECT_EQ(sent.count(), 0);
 }
 
-struct MatchCase {
-    float before;
-    const char* button;
-    float after;
-};
-
 TEST(MatchDialog, StraightCrossAndToggle)
 {
-    const MatchCase cases[] = {{50, "&Toggle", -100}, {0, "&Toggle", -100}, {-0.5f, "&Toggle", 100},
+    const struct {
+        float before;
+        const char* button;
+        float after;
+    } cases[] = {{50, "&Toggle", -100}, {0, "&Toggle", -100}, {-0.5f, "&Toggle", 100},
                                {-100, "&Straight", 100}, {100, "&Cross", -100}};
-    for (const MatchCase& c : cases) {
+    for (const auto& c : cases) {
         ConfigurableFloat valve("match", c.before);
         MatchDialog dialog(nullptr, "bench", &valve);
         QSignalSpy sent(&dialog, &MatchDialog::SendXMLChanges);
