@@ -1,10 +1,6 @@
-// The pieces that data records are made of: the line format with its sum, and the spectrum that
-// the waveforms show.
+// The line format with its sum, and the spectrum that the waveforms show.
 
 #include <gtest/gtest.h>
-
-#include <cmath>
-#include <sstream>
 
 #include "link/connector.h"
 #include "sim/data_line.h"
@@ -32,12 +28,6 @@ TEST(SimDataLine, SumsCheckAsTheLinkChecksThem)
             line.Add(value);
         const std::string checked = line.Checked();
         EXPECT_TRUE(Connector::VerifyCheckSum(checked)) << checked;
-        // The sum is three digits after a tab, then the line feed.
-        ASSERT_GE(checked.size(), 5u);
-        EXPECT_EQ(checked[checked.size() - 5], '\t');
-        EXPECT_TRUE(std::isdigit(static_cast<unsigned char>(checked[checked.size() - 4])));
-        EXPECT_EQ(checked.back(), '\n');
-        // One byte more anywhere before the sum spoils it.
         std::string spoiled = checked;
         spoiled[0] = char(spoiled[0] + 1);
         EXPECT_FALSE(Connector::VerifyCheckSum(spoiled)) << spoiled;
