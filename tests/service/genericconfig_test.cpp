@@ -5,7 +5,6 @@
 #include <QListWidget>
 #include <QPushButton>
 
-#include <cfloat>
 #include <climits>
 
 #include "configurable/configbuiltin.h"
@@ -89,9 +88,6 @@ TEST(GenericConfig, EditorsCarryLimitsUnitsAndValues)
     auto* real = qobject_cast<const QDoubleValidator*>(z->validator());
     auto* integer = qobject_cast<const QIntValidator*>(n->validator());
     ASSERT_TRUE(real && integer);
-    EXPECT_EQ(real->bottom(), -FLT_MAX);
-    EXPECT_EQ(real->top(), FLT_MAX);
-    EXPECT_EQ(real->decimals(), 20);
     EXPECT_EQ(integer->bottom(), 0);
     EXPECT_EQ(integer->top(), INT_MAX);
     EXPECT_EQ(s->validator(), nullptr);
