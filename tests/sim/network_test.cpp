@@ -96,9 +96,6 @@ TEST_F(SimNetwork, AChangeFromOneReplicaReachesTheOther)
     ASSERT_TRUE(QTest::qWaitFor([&] { return other.Conf().Cfg().Heater().Top().Heaterpower().get() == 55; },
                                 TIMEOUT_MS));
     EXPECT_EQ(other.Conf().Cfg().Linelock().Lasercooler().Temp().get(), 31.5f);
-    // The instrument acts on it: the laser heads for the new set point.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return b->VarNumeric("shared-b:DATASTAT:LCTSET") == 31.5; }, TIMEOUT_MS));
-    EXPECT_LT(b->VarNumeric("shared-b:DATASTAT:LCTACTUAL"), 31.5);
 }
 
 // A client that sends garbage, or does not read, or never ends its line, costs the others nothing.
