@@ -2,9 +2,6 @@
 #include "service/caltolvandialog.h"
 
 #include <QDateTimeEdit>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTreeWidget>
 
 #include "tests/service/wire.h"
 
@@ -20,23 +17,13 @@ std::string cal(const std::string& body)
     return "<arvex><tolvan><cal>" + body + "</cal></tolvan></arvex>";
 }
 
-QStringList row(QTreeWidget* tree, int index)
-{
-    QStringList texts;
-    for (int column = 0; column < tree->columnCount(); ++column)
-        texts << tree->topLevelItem(index)->text(column);
-    return texts;
-}
-
-struct CommandCase {
-    const char* button;
-    const char* span_gas;
-    const char* line;
-};
-
 TEST(CalTolvanDialog, CommandsGoOutAsTypedSpanGasFirst)
 {
-    const CommandCase cases[] = {
+    const struct {
+        const char* button;
+        const char* span_gas;
+        const char* line;
+    } cases[] = {
         {"Zero", "", "<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n"},
         {"Span", "2.5", "<arvex><tolvan><cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
         {"Span", "", "<arvex><tolvan><cal><ch4spanconc></ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
@@ -48,7 +35,7 @@ TEST(CalTolvanDialog, CommandsGoOutAsTypedSpanGasFirst)
     CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
     wire.JoinRaw(&dialog);
     EXPECT_EQ(dialog.windowTitle(), "Calibration Control Panel: bench");
-    for (const CommandCase& c : cases) {
+    for (const auto& c : cases) {
         dialog.findChild<QLineEdit*>()->setText(QString::fromUtf8(c.span_gas));
         Click(&dialog, c.button);
         EXPECT_EQ(wire.WaitForText("<cmd>"), c.line);
@@ -62,16 +49,14 @@ TEST(CalTolvanDialog, DrawsLabelsHistoryAndSpanGasFromTheDocument)
     wire.JoinRaw(&dialog);
     auto* tree = dialog.findChild<QTreeWidget*>();
     auto* span_gas = dialog.findChild<QLineEdit*>();
-    EXPECT_EQ(tree->headerItem()->text(3), "CH4 Span");
-    EXPECT_FALSE(tree->rootIsDecorated());
 
     span_gas->setText("7.25");  // being typed when the instrument's value comes
     wire.Tell(cal("<ch4zero>0.012</ch4zero><ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4spanconc>3</ch4spanconc>"
                   "<history>" + record("2026-01-03 08:00:00", "CH4 Span") + record("2026-01-01 09:30:00", "CH4 Zero") +
                   record("2026-01-02 10:00:00", "CH4 Zero") + "</history>"));
     EXPECT_EQ(span_gas->text(), "3.0");
-    EXPECT_EQ(dialog.findChildren<QLabel*>()[0]->text(), "Last Zero: 0.012; 2026-01-02 10:00:00");
-    EXPECT_EQ(dialog.findChildren<QLabel*>()[1]->text(), "Last Span: 1; 1989-01-01 00:00:00");
+    EXPECT_EQ(label_texts(&dialog).mid(0, 2),
+              QStringList({"Last Zero: 0.012; 2026-01-02 10:00:00", "Last Span: 1; 1989-01-01 00:00:00"}));
 
     ASSERT_EQ(tree->topLevelItemCount(), 3);
     EXPECT_EQ(row(tree, 0), QStringList({"2026-01-01 09:30:00", "CH4 Zero", "0.5", "1.25"}));

@@ -1,12 +1,13 @@
 #pragma once
-// A dialog joined to a real Connector whose instrument is a loopback server of the test: what the
-// dialog sends is read off the wire, and what the "instrument" says goes back through the link.
+// A dialog joined to a real Connector whose instrument is a loopback server of the test.
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QSignalSpy>
@@ -14,6 +15,7 @@
 #include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <memory>
 #include <string>
@@ -23,31 +25,15 @@
 
 inline constexpr int WIRE_TIMEOUT_MS = 30000;  // sanitizer builds on a busy machine are slow
 
-struct Wire {
-    explicit Wire(const std::string& type = "tolvan")
+/// A stand-in instrument: a loopback server and the connection it takes.
+struct FakeInstrument {
+    FakeInstrument() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0)); }
+    bool Accept()
     {
-        EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0));
-        connector = std::make_shared<Connector>(nullptr, "wire-test", type);
-        connector->Connect("127.0.0.1", 0, server.serverPort());
-        EXPECT_TRUE(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS));
+        if (!QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS))
+            return false;
         socket = server.nextPendingConnection();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() != ""; }, WIRE_TIMEOUT_MS));
-        // As after the instrument's answer to the opening queries: the replica holds no changes.
-        connector->Doc()._set_changed(false);
-    }
-
-    /// The joints a watch window makes for a tool window; JoinRaw with its ready-made messages.
-    template <class Dialog>
-    void Join(Dialog* dialog)
-    {
-        QObject::connect(dialog, &Dialog::SendXMLChanges, connector.get(), &Connector::OnSendXMLChanges);
-        QObject::connect(connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
-    }
-    template <class Dialog>
-    void JoinRaw(Dialog* dialog)
-    {
-        Join(dialog);
-        QObject::connect(dialog, &Dialog::SendRawXML, connector.get(), &Connector::OnSendRawXML);
+        return socket != nullptr;
     }
 
     /// The next line sent that contains `text`; "" if none comes.
@@ -64,6 +50,35 @@ struct Wire {
         return wanted() ? line : "";
     }
 
+    QTcpServer server;
+    QTcpSocket* socket = nullptr;
+};
+
+struct Wire : FakeInstrument {
+    explicit Wire(const std::string& type = "tolvan")
+    {
+        connector = std::make_shared<Connector>(nullptr, "wire-test", type);
+        connector->Connect("127.0.0.1", 0, server.serverPort());
+        EXPECT_TRUE(Accept());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() != ""; }, WIRE_TIMEOUT_MS));
+        // As after the instrument's first answer: the replica holds no changes.
+        connector->Doc()._set_changed(false);
+    }
+
+    /// The joints a watch window makes for a tool window.
+    template <class Dialog>
+    void Join(Dialog* dialog)
+    {
+        QObject::connect(dialog, &Dialog::SendXMLChanges, connector.get(), &Connector::OnSendXMLChanges);
+        QObject::connect(connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
+    }
+    template <class Dialog>
+    void JoinRaw(Dialog* dialog)
+    {
+        Join(dialog);
+        QObject::connect(dialog, &Dialog::SendRawXML, connector.get(), &Connector::OnSendRawXML);
+    }
+
     /// The instrument says `line`; returns once the document has taken it.
     void Tell(const std::string& line)
     {
@@ -74,8 +89,6 @@ struct Wire {
 
     DocTolvan& Doc() { return connector->Doc_Tolvan(); }
 
-    QTcpServer server;
-    QTcpSocket* socket = nullptr;
     std::shared_ptr<Connector> connector;
 };
 
@@ -114,4 +127,30 @@ inline void Click(QWidget* parent, const QString& label)
         if (button->text() == label)
             return button->click();
     ADD_FAILURE() << "no button " << label.toStdString();
+}
+
+/// The group box of `parent` titled `title`.
+inline QGroupBox* group(QWidget* parent, const QString& title)
+{
+    for (QGroupBox* box : parent->findChildren<QGroupBox*>())
+        if (box->title() == title)
+            return box;
+    ADD_FAILURE() << "no group " << title.toStdString();
+    return nullptr;
+}
+
+inline QStringList label_texts(const QWidget* parent)
+{
+    QStringList texts;
+    for (const QLabel* label : parent->findChildren<QLabel*>())
+        texts << label->text();
+    return texts;
+}
+
+inline QStringList row(QTreeWidget* tree, int index)
+{
+    QStringList texts;
+    for (int column = 0; column < tree->columnCount(); ++column)
+        texts << tree->topLevelItem(index)->text(column);
+    return texts;
 }

@@ -1,5 +1,4 @@
-// Faults end to end between the real sondar-sim and the real Connector: the instrument dying while
-// it is logged, and the stream cut into one-byte TCP segments.
+// Faults between the real sondar-sim and the real Connector.
 
 #include <gtest/gtest.h>
 
@@ -19,29 +18,12 @@
 
 namespace {
 
-// The time of every DATA record that a link takes.
-class DataTimes : public Connector::Listener {
-public:
-    void GotConnectorData(Connector& link, std::string record) override
-    {
-        if (record == "DATA")
-            times.push_back(link.VarNumeric(link.Host() + ":DATA:SECONDS") +
-                            link.VarNumeric(link.Host() + ":DATA:NANOSECONDS") / 1e9);
-    }
-    bool WaitFor(size_t more)
-    {
-        const size_t target = times.size() + more;
-        return QTest::qWaitFor([&] { return times.size() >= target; }, TIMEOUT_MS);
-    }
-    std::vector<double> times;
-};
-
-std::shared_ptr<Connector> connected(const std::string& name, int port, DataTimes& data)
+std::shared_ptr<Connector> connected(const std::string& name, int port, Heard& data)
 {
     auto link = std::make_shared<Connector>(nullptr, name, "morvik");
     link->RegisterListener("DATA", &data);
     link->Connect("127.0.0.1", 0, port);
-    EXPECT_TRUE(data.WaitFor(2)) << name;
+    EXPECT_TRUE(data.WaitForData(2)) << name;
     return link;
 }
 
@@ -52,12 +34,12 @@ TEST(SimFaults, AKilledInstrumentLosesNoLoggedLine)
     SimProcess sim({"--model", "morvik", "--name", "mortal", "--rate", "20"});
     ASSERT_TRUE(sim.WaitListening());
     Connector::SetMessageBox([](QWidget*, const QString&, const QString&) {});
-    DataTimes data;
+    Heard data;
     auto link = connected("mortal", sim.port, data);
     link->SetLogFileName(path);
     link->StartLoggingToFile();
     data.times.clear();
-    ASSERT_TRUE(data.WaitFor(20));
+    ASSERT_TRUE(data.WaitForData(20));
     const std::string replica = compact_query(link->Doc());
     QSignalSpy disconnected(link.get(), &Connector::Disconnected);
     sim.process.kill();
@@ -69,7 +51,7 @@ TEST(SimFaults, AKilledInstrumentLosesNoLoggedLine)
     SimProcess again({"--model", "morvik", "--name", "mortal", "--rate", "20"});
     ASSERT_TRUE(again.WaitListening());
     link->Connect("127.0.0.1", 0, again.port);
-    ASSERT_TRUE(data.WaitFor(5));
+    ASSERT_TRUE(data.WaitForData(5));
     link->StopLoggingToFile();
     EXPECT_FALSE(link->IsLogging());
     Connector::SetMessageBox(nullptr);
@@ -101,7 +83,7 @@ TEST(SimFaults, LinesCutIntoOneByteSegmentsArriveWhole)
     ASSERT_TRUE(sim.WaitListening());
     QTcpServer relay;
     ASSERT_TRUE(relay.listen(QHostAddress::LocalHost, 0));
-    DataTimes data;
+    Heard data;
     auto link = std::make_shared<Connector>(nullptr, "slowpoke", "morvik");
     link->RegisterListener("DATA", &data);
     link->Connect("127.0.0.1", 0, relay.serverPort());

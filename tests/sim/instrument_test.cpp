@@ -1,5 +1,5 @@
-// The simulated instruments without a network: messages in, lines out, time stepped by hand.
-// Lines are read back through a Connector, as the program reads them.
+// The simulated instruments without a network, time stepped by hand, read back through a Connector;
+// the line format and the spectrum beneath them.
 
 #include <gtest/gtest.h>
 
@@ -8,6 +8,7 @@
 
 #include "libskarn/doctolvan.h"
 #include "link/connector.h"
+#include "sim/data_line.h"
 #include "sim/sim_instrument.h"
 #include "sim/spectrum.h"
 #include "sim_test_util.h"
@@ -107,18 +108,7 @@ TEST(SimTolvan, RecordsFollowTheRateAndTheSelection)
         }
     }
 
-    // The link makes sense of them.
-    std::string heard;
-    class : public Connector::Listener {
-    public:
-        void GotConnectorData(Connector&, std::string record) override { *log += record + " "; }
-        std::string* log;
-    } listener;
-    listener.log = &heard;
-    link.RegisterListener("DATASTAT", &listener);
-    link.RegisterListener("DATA", &listener);
     feed(link, lines);
-    EXPECT_EQ(std::count(heard.begin(), heard.end(), ' '), 13);
     EXPECT_NEAR(link.VarNumeric("bench:DATASTAT:LCTACTUAL"), 25.0, 1e-3);
     EXPECT_NEAR(link.VarNumeric("bench:DATA:CH4"), 2.0, 0.2);
     EXPECT_NEAR(link.VarNumeric("bench:DATA:PRESSURE"), 101.3, 1.0);
@@ -336,10 +326,10 @@ TEST_P(SimEveryModel, ClockAndNetworkSettingsAreKept)
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "time"}), "04:05:06");
     sim->Advance(14.34);
     sim->TakeLines();
-    EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "time"}), "04:05:08");
-    EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "date"}), "2031-02-03");
-    EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "ptp"}), "slaveonly");
-    EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", "zone"}), "Asia/Tokyo");
+    const std::pair<const char*, const char*> kept[] = {
+        {"time", "04:05:08"}, {"date", "2031-02-03"}, {"ptp", "slaveonly"}, {"zone", "Asia/Tokyo"}};
+    for (const auto& [item, value] : kept)
+        EXPECT_EQ(query_item(*sim, tag(), {"cfg", "clock", item}), value);
     EXPECT_EQ(query_item(*sim, tag(), {"cfg", "network", "ipaddress"}), "10.1.2.3");
 
     // A time that cannot be read leaves the clock running.
@@ -397,6 +387,51 @@ TEST(SimMorvik, StreamsDataAndStatusAtItsRate)
     run(*sim, 2.02, 3.0);
     feed(link, sim->TakeLines());
     EXPECT_EQ(link.VarNumeric("base:DATADIAG:HEADMISSING"), 0);
+}
+
+
+TEST(SimDataLine, SumsCheckAsTheLinkChecksThem)
+{
+    // Small sums need their leading zeros, high bytes count unsigned, and the sum wraps at 256.
+    const struct {
+        const char* record;
+        std::vector<std::string> values;
+    } cases[] = {
+        {"DATA", {"1", "2", "3"}},
+        {"D", {}},
+        {"DATA", {"\xff\xfe\xfd"}},
+        {"DATASTAT", {std::string(300, '9')}},
+        {"DATA", {"-0.001", "1e+06", "nan"}},
+    };
+    for (const auto& c : cases) {
+        DataLine line(c.record);
+        for (const std::string& value : c.values)
+            line.Add(value);
+        const std::string checked = line.Checked();
+        EXPECT_TRUE(Connector::VerifyCheckSum(checked)) << checked;
+        std::string spoiled = checked;
+        spoiled[0] = char(spoiled[0] + 1);
+        EXPECT_FALSE(Connector::VerifyCheckSum(spoiled)) << spoiled;
+    }
+    EXPECT_EQ(DataLine("DATA").Add("1").Add("2").Add("3").Checked(), "DATA\t1\t2\t3\t212\n");
+    EXPECT_EQ(DataLine("DATAH").Add("A").Plain(), "DATAH\tA\n");
+}
+
+TEST(SimSpectrum, LinesStandOutOfAZeroBaseline)
+{
+    // The lock line is a peak of the reference.
+    const double lock = SimSpectrum::LockTemperature();
+    EXPECT_GT(SimSpectrum::Reference(lock), 0.9);
+    EXPECT_GT(SimSpectrum::Reference(lock), SimSpectrum::Reference(lock - 0.0165));
+    EXPECT_GT(SimSpectrum::Reference(lock), SimSpectrum::Reference(lock + 0.0165));
+    EXPECT_LT(SimSpectrum::Sample(SimSpectrum::LOWEST), 0.01);
+    EXPECT_LT(SimSpectrum::Reference(SimSpectrum::HIGHEST), 0.02);
+    // The sample has lines the reference lacks.
+    int own_lines = 0;
+    for (double t = SimSpectrum::LOWEST; t <= SimSpectrum::HIGHEST; t += 0.01)
+        if (SimSpectrum::Sample(t) > 0.1 && SimSpectrum::Reference(t) < 0.05)
+            ++own_lines;
+    EXPECT_GT(own_lines, 0);
 }
 
 }  // namespace

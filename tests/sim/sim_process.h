@@ -3,14 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
+
+#include "link/connector.h"
 
 // Generous: sanitizer builds on a busy machine start slowly.
 inline constexpr int TIMEOUT_MS = 30000;
@@ -87,4 +91,54 @@ public:
 
     QTcpSocket socket;
     std::vector<std::string> lines;
+};
+
+/// The simulator's own answer to &query;, without its line feed, through a client of its own.
+inline std::string query_truth(int port)
+{
+    RawClient probe;
+    EXPECT_TRUE(probe.Connect(port));
+    probe.Send("<arvex>&query;</arvex>\n");
+    std::string truth = probe.WaitForXML();
+    if (!truth.empty())
+        truth.pop_back();
+    return truth;
+}
+
+/// What a link hears: record names, DATA times and arrivals, events.
+class Heard : public Connector::Listener {
+public:
+    Heard() { clock.start(); }
+    void GotConnectorData(Connector& link, std::string record) override
+    {
+        data.push_back(record);
+        if (record != "DATA")
+            return;
+        const std::string var = link.Host() + ":DATA:";
+        times.push_back(link.VarNumeric(var + "SECONDS") + link.VarNumeric(var + "NANOSECONDS") / 1e9);
+        arrivals.push_back(clock.elapsed());
+    }
+    void GotConnectorEvent(Connector&, std::string, std::string event, std::string) override
+    {
+        events.push_back(event);
+    }
+    bool WaitFor(const std::string& record)
+    {
+        return QTest::qWaitFor([&] { return std::find(data.begin(), data.end(), record) != data.end(); }, TIMEOUT_MS);
+    }
+    bool WaitForEvent(const std::string& event)
+    {
+        return QTest::qWaitFor([&] { return std::find(events.begin(), events.end(), event) != events.end(); },
+                               TIMEOUT_MS);
+    }
+    bool WaitForData(size_t more)
+    {
+        const size_t target = times.size() + more;
+        return QTest::qWaitFor([&] { return times.size() >= target; }, TIMEOUT_MS);
+    }
+
+    QElapsedTimer clock;
+    std::vector<std::string> data, events;
+    std::vector<double> times;
+    std::vector<qint64> arrivals;
 };

@@ -1,21 +1,15 @@
-// The watch windows of the Quenta, Dravik, Halden and Bremmel, the I/O console and the Morvik's
-// configuration window: columns, throttles, commands on the wire, toggles and tool windows.
-
-#include <gtest/gtest.h>
+// The watch windows of the other models, the I/O console and the Morvik's configuration window.
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTest>
 #include <QTextEdit>
 
 #include <functional>
 #include <memory>
 
 #include "service/genericconfigdialog.h"
+#include "tests/service/wire.h"
 #include "tests/watch/watch_test_util.h"
 #include "watch/configmorvikdialog.h"
 #include "watch/fpgahaldendialog.h"
@@ -124,27 +118,11 @@ TEST(WatchModels, BremmelPassesABurstAndHoldsTheNextForHalfASecond)
     }
 }
 
-// An instrument stand-in that reads lines until the one wanted arrives.
-struct Wire {
-    Wire() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost)); }
-    /// Takes the link's connection; true once its first query has come, so that it can send.
-    bool Accept()
-    {
-        return QTest::qWaitFor([&] { return server.hasPendingConnections(); }, TIMEOUT_MS) &&
-               (client = server.nextPendingConnection()) != nullptr && Receives("<arvex>&query_doctype;</arvex>\n");
-    }
-    bool Receives(const std::string& wanted)
-    {
-        return QTest::qWaitFor([&] {
-            while (client->canReadLine())
-                if (client->readLine().toStdString() == wanted)
-                    return true;
-            return false;
-        }, TIMEOUT_MS);
-    }
-    QTcpServer server;
-    QTcpSocket* client = nullptr;
-};
+// Takes the window's connection; true once its first query has come, so that it can send.
+bool take_window(FakeInstrument& wire)
+{
+    return wire.Accept() && wire.WaitForText("&query_doctype;") == "<arvex>&query_doctype;</arvex>\n";
+}
 
 std::string command(const std::string& tag, const std::string& cmd)
 {
@@ -179,21 +157,21 @@ TEST(WatchModels, EveryCommandButtonSendsItsLine)
         {"bremmel", "", "Stop USB Logging", command("bremmel", "logusbstop")},
         {"bremmel", "", "Eject USB", command("bremmel", "ejectusb")},
     };
-    std::map<std::string, std::pair<std::unique_ptr<WatchModelDialog>, std::unique_ptr<Wire>>> windows;
+    std::map<std::string, std::pair<std::unique_ptr<WatchModelDialog>, std::unique_ptr<FakeInstrument>>> windows;
     for (const auto& row : rows) {
         auto& [window, wire] = windows[row.type];
         if (!window) {
-            wire = std::make_unique<Wire>();
+            wire = std::make_unique<FakeInstrument>();
             window = make_window(row.type, test_host() + row.type);
             window->Connect("127.0.0.1", 0, wire->server.serverPort());
-            ASSERT_TRUE(wire->Accept()) << row.type;
+            ASSERT_TRUE(take_window(*wire)) << row.type;
         }
         if (*row.event)
             window->GetConnector().HandleData(std::string("DATAEVENT\t") + row.event + "\tnow\n");
         QPushButton* button = find_button(*window, row.button);
         ASSERT_TRUE(button) << row.type << " " << row.button;
         button->click();
-        EXPECT_TRUE(wire->Receives(row.line)) << row.type << " " << row.button;
+        EXPECT_EQ(wire->WaitForText(row.line), row.line) << row.type << " " << row.button;
     }
 }
 
@@ -244,16 +222,17 @@ TEST(WatchModels, ConsoleRunsOnceOrRepeatsAndAddsOut)
 
 TEST(WatchModels, MorvikConfigurationAppliesTheHead)
 {
-    Wire wire;
+    FakeInstrument wire;
     ConfigMorvikDialog dialog(nullptr, test_host(), "morvik");
     dialog.Connect("127.0.0.1", 0, wire.server.serverPort());
     EXPECT_EQ(dialog.windowTitle().toStdString(), "Configuring Pelsen: " + test_host() + ": IP=127.0.0.1");
-    ASSERT_TRUE(wire.Accept());
+    ASSERT_TRUE(take_window(wire));
     // The instrument's first answer makes the replica clean.
     Connector::LookupConnector(test_host())->HandleXML("<arvex><morvik><name>m</name></morvik></arvex>");
     dialog.findChild<QLineEdit*>()->setText("head-7");
     find_button(dialog, "Apply")->click();
-    EXPECT_TRUE(wire.Receives("<arvex><morvik><cfg><head>head-7</head></cfg></morvik></arvex>\n"));
+    const std::string head = "<arvex><morvik><cfg><head>head-7</head></cfg></morvik></arvex>\n";
+    EXPECT_EQ(wire.WaitForText(head), head);
     EXPECT_TRUE(find_button(dialog, "Factory...")->isEnabled());
     ConfigMorvikDialog sarnel(nullptr, test_host() + "s", "sarnel");
     EXPECT_FALSE(find_button(sarnel, "Factory...")->isEnabled());

@@ -1,6 +1,7 @@
-#include "watch/rawdatadialog.h"
+// The raw capture: its decoder, and its window fed by hand.
 
-#include <gtest/gtest.h>
+#include "watch/rawdatacapture.h"
+#include "watch/rawdatadialog.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -9,14 +10,88 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
-#include <fstream>
-#include <sstream>
+#include <iterator>
+#include <random>
+#include <stdexcept>
 
+#include "foundation/base64.h"
+#include "foundation/zlib.h"
 #include "libskarn/dochalden.h"
-#include "tests/watch/raw_test_util.h"
 #include "tests/watch/watch_test_util.h"
 
 namespace {
+
+// `bytes` deflated, `line_bytes` compressed bytes to a Base64 line that decodes on its own.
+std::vector<std::string> raw_payloads(const std::string& bytes, size_t line_bytes)
+{
+    std::string compressed;
+    Deflate(bytes.begin(), bytes.end(), std::back_inserter(compressed));
+    std::vector<std::string> payloads;
+    for (size_t at = 0; at < compressed.size(); at += line_bytes) {
+        std::string payload;
+        const auto from = compressed.begin() + long(at);
+        Base64Encode(from, from + long(std::min(line_bytes, compressed.size() - at)), std::back_inserter(payload), true);
+        payloads.push_back(payload);
+    }
+    return payloads;
+}
+
+// Counts that compress somewhat, with noise that doesn't.
+std::string detector_bytes(size_t size)
+{
+    std::mt19937 random(7);
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = char(i % 2 ? (i / 512) % 7 : random() % 64);
+    return bytes;
+}
+
+TEST(RawDataCapture, WritesTheInflatedBytesAsTheyComeAndStopsWhereTheDataStops)
+{
+    QTemporaryDir dir;
+    const std::string path = dir.filePath("raw.dat").toStdString();
+    const std::string sample = detector_bytes(5000);
+    const std::vector<std::string> lines = raw_payloads(sample, 60);
+    const struct {
+        const char* what;
+        std::string bytes;                    // what the instrument meant
+        std::vector<std::string> lines;       // what arrives
+        bool whole;                           // all of it lands, else a true beginning of it
+    } cases[] = {
+        {"one byte", "x", raw_payloads("x", 768), true},
+        {"a group per line", detector_bytes(100000), raw_payloads(detector_bytes(100000), 3), true},
+        {"lines larger than the buffers", detector_bytes(300000), raw_payloads(detector_bytes(300000), 120000), true},
+        {"data after the stream's end", sample, [&] { auto l = lines; l.push_back(lines[0]); return l; }(), true},
+        {"a group cut short", sample, {lines[0], lines[1].substr(0, lines[1].size() - 2)}, false},
+        {"an invalid character", sample, {lines[0], "@" + lines[1]}, false},
+    };
+    for (const auto& c : cases) {
+        {
+            _RawDataCapture capture(path);
+            for (const std::string& payload : c.lines)
+                capture.HandleData(payload.data(), payload.data() + payload.size());
+        }
+        const std::string written = read_file(path);
+        if (c.whole)
+            EXPECT_TRUE(written == c.bytes) << c.what;
+        else
+            EXPECT_TRUE(written.size() < c.bytes.size() && c.bytes.compare(0, written.size(), written) == 0) << c.what;
+    }
+}
+
+TEST(RawDataCapture, RunsItsCourseWithoutAFileAndThrowsOnlyForDataThatDoesNotInflate)
+{
+    QTemporaryDir dir;
+    _RawDataCapture capture(dir.filePath("no/such/dir/raw.dat").toStdString());
+    for (const std::string& payload : raw_payloads(detector_bytes(40000), 768))
+        capture.HandleData(payload.data(), payload.data() + payload.size());
+    EXPECT_EQ(capture.BytesWritten(), 40000u);
+
+    _RawDataCapture broken(dir.filePath("raw.dat").toStdString());
+    const std::string garbage = "AAAAAAAAAAAA";
+    EXPECT_THROW(broken.HandleData(garbage.data(), garbage.data() + garbage.size()), std::runtime_error);
+}
+
 
 // DATAFLRAW lines of `bytes` and the end mark.
 std::vector<std::string> raw_lines(const std::string& bytes)
@@ -47,12 +122,7 @@ struct RawDataDialogTest : testing::Test {
         for (const std::string& line : lines)
             connector->HandleData(line);
     }
-    std::string File() const
-    {
-        std::ostringstream all;
-        all << std::ifstream(file->text().toStdString(), std::ios::binary).rdbuf();
-        return all.str();
-    }
+    std::string File() const { return read_file(file->text().toStdString()); }
 
     QTemporaryDir dir;
     std::shared_ptr<Connector> connector = Connector::Factory(nullptr, "fluor", "halden");

@@ -1,13 +1,16 @@
 #pragma once
-// Helpers of the watch tests: a connector fed by hand, one per test.
+// Helpers of the watch tests.
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "tests/link/link_test_util.h"
@@ -25,4 +28,24 @@ inline QPushButton* find_button(const QWidget& window, const QString& text)
         if (button->text() == text)
             return button;
     return nullptr;
+}
+
+/// The one visible window of `window` titled `title`.
+inline QDialog* shown_dialog(const QWidget& window, const QString& title)
+{
+    QDialog* found = nullptr;
+    for (QDialog* dialog : window.findChildren<QDialog*>())
+        if (dialog->windowTitle() == title) {
+            EXPECT_EQ(found, nullptr) << "two windows " << title.toStdString();
+            found = dialog;
+        }
+    EXPECT_TRUE(found && found->isVisible()) << title.toStdString();
+    return found;
+}
+
+inline std::string read_file(const std::string& path)
+{
+    std::ostringstream all;
+    all << std::ifstream(path, std::ios::binary).rdbuf();
+    return all.str();
 }
