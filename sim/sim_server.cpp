@@ -177,6 +177,13 @@ void SimServer::_Reboot()
 {
     std::cerr << "sondar-sim: rebooting\n";
     _ticker.stop();
+    // An instrument that reboots refuses connections, from before it drops its clients: one that
+    // redials at once must not land in the backlog of a server about to close. The port stays
+    // bound meanwhile, so that nobody takes it: on loopback a client that dials the port again and
+    // again would otherwise sooner or later be given it as its own local port and connect to itself.
+    _server.close();
+    if (!_held.bind(_address, _port, QAbstractSocket::ShareAddress | QAbstractSocket::ReuseAddressHint))
+        std::cerr << "sondar-sim: cannot hold the port while rebooting: " << _held.errorString().toStdString() << '\n';
     for (auto& entry : _clients) {
         QTcpSocket* client = entry.first;
         client->disconnect(this);
@@ -186,12 +193,6 @@ void SimServer::_Reboot()
         client->disconnectFromHost();
     }
     _clients.clear();
-    _server.close();
-    // An instrument that reboots refuses connections. The port stays bound meanwhile, so that
-    // nobody takes it: on loopback a client that dials the port again and again would otherwise
-    // sooner or later be given it as its own local port and connect to itself.
-    if (!_held.bind(_address, _port, QAbstractSocket::ShareAddress | QAbstractSocket::ReuseAddressHint))
-        std::cerr << "sondar-sim: cannot hold the port while rebooting: " << _held.errorString().toStdString() << '\n';
     QTimer::singleShot(REBOOT_MS, this, [this] { _Restart(); });
 }
 
