@@ -1,5 +1,5 @@
 // HandleData on a realistic 30-field DATA line, beside a bare baseline that only checks, splits and
-// parses the same line.
+// parses the same line; and the splitting of a long backlog into lines.
 
 #include <benchmark/benchmark.h>
 
@@ -12,6 +12,7 @@
 
 #include "bench/ratio.h"
 #include "link/connector.h"
+#include "link/delimparser.h"
 
 namespace {
 
@@ -82,6 +83,30 @@ void BM_SplitAndParseBaseline(benchmark::State& state)
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_SplitAndParseBaseline);
+
+// A backlog of 10 000 lines that arrived in one piece, as after a wide scan, split into lines.
+void BM_SplitBacklog(benchmark::State& state)
+{
+    constexpr int LINES = 10000;
+    const std::string line = data_line();
+    std::string backlog;
+    for (int i = 0; i < LINES; ++i)
+        backlog += line;
+    std::string out;
+    for (auto _ : state) {
+        DelimParser parser;
+        parser.AppendRawData(backlog);
+        int taken = 0;
+        while (parser.GetNextStringToEOL(out))
+            ++taken;
+        if (taken != LINES) {
+            state.SkipWithError("lines lost");
+            break;
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * LINES);
+}
+BENCHMARK(BM_SplitBacklog);
 
 const bool registered = RegisterRatio("HandleData / checksum, split and parse baseline", "BM_HandleData",
                                       "BM_SplitAndParseBaseline");

@@ -52,6 +52,29 @@ bool take(std::istream& in, const char* start, const char* stop)
     return true;
 }
 
+// The buffered input of a plain stream: `start` where reading stands, `first` past the white space
+// ahead, `end` the end of the buffer. False when the stream isn't plain or buffers nothing.
+struct Unread {
+    const char* start;
+    const char* first;
+    const char* end;
+};
+
+bool plain_unread(std::istream& in, Unread& unread)
+{
+    if (!plain_input(in))
+        return false;
+    std::streambuf& sb = *in.rdbuf();
+    unread.start = StreamGetArea::next(sb);
+    unread.end = StreamGetArea::end(sb);
+    if (!unread.start)
+        return false;
+    unread.first = unread.start;
+    while (unread.first != unread.end && is_c_space(*unread.first))
+        ++unread.first;
+    return true;
+}
+
 // `in >> value` for the forms a document holds, "-?digits" and for reals "-?digits.digits", up to
 // white space or the end of input, without going through the locale's number parser, which costs
 // more than the rest of a leaf's read. Anything else (signs, exponents, words, text that goes on,
@@ -59,17 +82,12 @@ bool take(std::istream& in, const char* start, const char* stop)
 template <class T>
 bool read_plain_number(std::istream& in, T& value)
 {
-    if (!plain_input(in))
+    Unread unread;
+    if (!plain_unread(in, unread))
         return false;
-    std::streambuf& sb = *in.rdbuf();
-    const char* const start = StreamGetArea::next(sb);
-    const char* const end = StreamGetArea::end(sb);
-    if (!start)
-        return false;
-    const char* p = start;
-    while (p != end && is_c_space(*p))
-        ++p;
-    const char* const number = p;
+    const char* const end = unread.end;
+    const char* const number = unread.first;
+    const char* p = number;
     if (p != end && *p == '-')
         ++p;
     const char* const digits = p;
@@ -92,7 +110,7 @@ bool read_plain_number(std::istream& in, T& value)
         if (parsed != 0 ? !std::isnormal(parsed) : text.find_first_of("123456789") != text.npos)
             return false;
     }
-    if (!take(in, start, p))
+    if (!take(in, unread.start, p))
         return false;
     value = parsed;
     return true;
@@ -101,22 +119,15 @@ bool read_plain_number(std::istream& in, T& value)
 // `in >> word` for a word that ends at white space or at a vouched end of input.
 bool read_plain_word(std::istream& in, std::string& word)
 {
-    if (!plain_input(in))
+    Unread unread;
+    if (!plain_unread(in, unread))
         return false;
-    std::streambuf& sb = *in.rdbuf();
-    const char* const start = StreamGetArea::next(sb);
-    const char* const end = StreamGetArea::end(sb);
-    if (!start)
-        return false;
-    const char* p = start;
-    while (p != end && is_c_space(*p))
+    const char* p = unread.first;
+    while (p != unread.end && !is_c_space(*p))
         ++p;
-    const char* const first = p;
-    while (p != end && !is_c_space(*p))
-        ++p;
-    if (p == first || !take(in, start, p))
+    if (p == unread.first || !take(in, unread.start, p))
         return false;
-    word.assign(first, p);
+    word.assign(unread.first, p);
     return true;
 }
 

@@ -1,5 +1,15 @@
 #include "link/delimparser.h"
 
+void DelimParser::AppendRawData(const char* data, size_t size)
+{
+    if (_taken > _raw.size() - _taken) {
+        _raw.erase(0, _taken);
+        _scanned -= _taken;
+        _taken = 0;
+    }
+    _raw.append(data, size);
+}
+
 bool DelimParser::GetNextDelimString(std::string& out)
 {
     std::string delimiter;
@@ -11,7 +21,7 @@ bool DelimParser::GetNextDelimString(std::string& out, std::string& delimiter)
     size_t best = std::string::npos;
     const std::string* found = nullptr;
     for (const std::string& d : _delimiters) {
-        size_t at = _raw.find(d);
+        size_t at = _raw.find(d, _taken);
         if (at != std::string::npos && (found == nullptr || at < best)) {
             best = at;
             found = &d;
@@ -19,10 +29,7 @@ bool DelimParser::GetNextDelimString(std::string& out, std::string& delimiter)
     }
     if (!found)
         return false;
-    const size_t end = best + found->size();
-    out.assign(_raw, 0, end);
-    _raw.erase(0, end);
-    _scanned = 0;
+    _Take(best + found->size(), out);
     delimiter = *found;
     return true;
 }
@@ -35,8 +42,15 @@ bool DelimParser::GetNextStringToEOL(std::string& out)
         _scanned = _raw.size();
         return false;
     }
-    out.assign(_raw, 0, at + 1);
-    _raw.erase(0, at + 1);
-    _scanned = 0;
+    _Take(at + 1, out);
     return true;
+}
+
+void DelimParser::_Take(size_t end, std::string& out)
+{
+    out.assign(_raw, _taken, end - _taken);
+    _taken = end;
+    _scanned = end;
+    if (_taken == _raw.size())
+        ClearRawData();
 }

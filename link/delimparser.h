@@ -13,12 +13,13 @@ public:
     explicit DelimParser(const std::string& delimiter) { AddDelimiter(delimiter); }
 
     void AddDelimiter(const std::string& delimiter) { _delimiters.push_back(delimiter); }
-    void AppendRawData(const std::string& data) { _raw.append(data); }
-    void AppendRawData(const std::vector<char>& data) { _raw.append(data.begin(), data.end()); }
-    void AppendRawData(const char* data, size_t size) { _raw.append(data, size); }
+    void AppendRawData(const std::string& data) { AppendRawData(data.data(), data.size()); }
+    void AppendRawData(const std::vector<char>& data) { AppendRawData(data.data(), data.size()); }
+    void AppendRawData(const char* data, size_t size);
     void ClearRawData()
     {
         _raw.clear();
+        _taken = 0;
         _scanned = 0;
     }
 
@@ -30,7 +31,13 @@ public:
     bool GetNextStringToEOL(std::string& out);
 
 private:
+    /// Hands out `_raw` from `_taken` to `end` and moves past it.
+    void _Take(size_t end, std::string& out);
+
     std::list<std::string> _delimiters;
+    // What was taken stays at the front of `_raw` until an append finds it the larger part, so a
+    // backlog of many messages is taken in time linear in its size.
     std::string _raw;
-    size_t _scanned = 0;  // no line feed before this offset
+    size_t _taken = 0;    // the data starts here
+    size_t _scanned = 0;  // no line feed between `_taken` and this offset
 };

@@ -30,10 +30,8 @@ QDateTime utc_now()
 }  // namespace
 
 CalAdvancedDialog::CalAdvancedDialog(QWidget* parent, const std::string& name, DocTolvan* doc)
-    : QDialog(parent), _doc(doc)
+    : CalEditor(parent, name), _doc(doc)
 {
-    setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
-
     _zero = new QLineEdit;
     _zero_time = date_time_edit();
     _span = new QLineEdit;
@@ -58,35 +56,13 @@ CalAdvancedDialog::CalAdvancedDialog(QWidget* parent, const std::string& name, D
     grid->addWidget(_span_time, 4, 1);
     grid->addWidget(span_now, 4, 2);
 
-    auto* buttons = new QHBoxLayout;
-    auto* refresh = new QPushButton("Refresh");
-    auto* apply = new QPushButton("Apply");
-    auto* close = new QPushButton("Close");
-    buttons->addStretch();
-    buttons->addWidget(refresh);
-    buttons->addWidget(apply);
-    buttons->addWidget(close);
-
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(group);
-    layout->addLayout(buttons);
+    layout->addLayout(_Foot());
 
     connect(zero_now, &QPushButton::clicked, this, &CalAdvancedDialog::OnCH4ZeroNow);
     connect(span_now, &QPushButton::clicked, this, &CalAdvancedDialog::OnCH4SpanNow);
-    connect(refresh, &QPushButton::clicked, this, &CalAdvancedDialog::OnRefreshClicked);
-    connect(apply, &QPushButton::clicked, this, &CalAdvancedDialog::OnApplyClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
-    _UpdateFromXML();
-}
-
-void CalAdvancedDialog::OnApplyClicked()
-{
-    _ApplyToXML();
-}
-
-void CalAdvancedDialog::OnRefreshClicked()
-{
     _UpdateFromXML();
 }
 
@@ -98,11 +74,6 @@ void CalAdvancedDialog::OnCH4ZeroNow()
 void CalAdvancedDialog::OnCH4SpanNow()
 {
     _span_time->setDateTime(utc_now());
-}
-
-void CalAdvancedDialog::OnXMLChanged()
-{
-    _UpdateFromXML();
 }
 
 void CalAdvancedDialog::_UpdateFromXML()
@@ -123,6 +94,4 @@ void CalAdvancedDialog::_ApplyToXML()
     SetLeafFromText(cal.Ch4spanconc(), _span_gas->text());
     cal.Ch4lastzero().set(TimestampOf(_zero_time->dateTime()));
     cal.Ch4lastspan().set(TimestampOf(_span_time->dateTime()));
-    emit SendXMLChanges();
-    emit CalUpdated();
 }

@@ -5,14 +5,12 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 
 #include "libskarn/docdravik.h"
 
 CalDravikAdvancedDialog::CalDravikAdvancedDialog(QWidget* parent, const std::string& name, DocDravik* doc)
-    : QDialog(parent), _doc(doc)
+    : CalEditor(parent, name), _doc(doc)
 {
-    setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
     struct Row {
         const char* label;
         Leaf leaf;
@@ -64,37 +62,10 @@ CalDravikAdvancedDialog::CalDravikAdvancedDialog(QWidget* parent, const std::str
         ++index;
     }
 
-    auto* refresh = new QPushButton("Refresh");
-    auto* apply = new QPushButton("Apply");
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(refresh);
-    buttons->addWidget(apply);
-    buttons->addWidget(close);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
-    layout->addLayout(buttons);
+    layout->addLayout(_Foot());
 
-    connect(refresh, &QPushButton::clicked, this, &CalDravikAdvancedDialog::OnRefreshClicked);
-    connect(apply, &QPushButton::clicked, this, &CalDravikAdvancedDialog::OnApplyClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
-    _UpdateFromXML();
-}
-
-void CalDravikAdvancedDialog::OnApplyClicked()
-{
-    _ApplyToXML();
-}
-
-void CalDravikAdvancedDialog::OnRefreshClicked()
-{
-    _UpdateFromXML();
-}
-
-void CalDravikAdvancedDialog::OnXMLChanged()
-{
     _UpdateFromXML();
 }
 
@@ -114,6 +85,4 @@ void CalDravikAdvancedDialog::_ApplyToXML()
         if (ok)
             (cal.*field.leaf)().set(value);
     }
-    emit SendXMLChanges();
-    emit CalUpdated();
 }

@@ -1,10 +1,10 @@
 #pragma once
 // Editing a Dravik's calibration coefficients by hand.
 
-#include <QDialog>
-
 #include <string>
 #include <vector>
+
+#include "service/caleditor.h"
 
 class ConfigCalDravik;
 class ConfigurableFloat;
@@ -13,26 +13,12 @@ class QLineEdit;
 
 /// Every coefficient of a Dravik's `cal` section that the panel shows, and the span gases, in one
 /// field each, grouped by channel and sensor.
-///
-/// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), CalUpdated() to
-/// Connector::OnForceXMLUpdate(), Connector::GotXMLChanges() to OnXMLChanged().
-class CalDravikAdvancedDialog : public QDialog {
+class CalDravikAdvancedDialog : public CalEditor {
     Q_OBJECT
 public:
     /// `doc` is the connector's and outlives the dialog.
     CalDravikAdvancedDialog(QWidget* parent, const std::string& name, DocDravik* doc);
 
-signals:
-    void SendXMLChanges();
-    /// After an apply: asks that the document be read anew from the instrument.
-    void CalUpdated();
-
-public slots:
-    /// Writes every field that reads as a number (QString::toFloat) into its coefficient; other
-    /// fields leave theirs as it was. Sends what differs from the instrument, then CalUpdated().
-    void OnApplyClicked();
-    void OnRefreshClicked();
-    void OnXMLChanged();
 
 private:
     using Leaf = ConfigurableFloat& (ConfigCalDravik::*)();
@@ -41,8 +27,10 @@ private:
         Leaf leaf;
     };
 
-    void _UpdateFromXML();
-    void _ApplyToXML();
+    void _UpdateFromXML() override;
+    /// Writes every field that reads as a number (QString::toFloat) into its coefficient; other
+    /// fields leave theirs as it was.
+    void _ApplyToXML() override;
 
     DocDravik* _doc;
     std::vector<_Field> _fields;

@@ -48,13 +48,10 @@ std::vector<QStringList> CalDravikHistoryRows(ConfigCalHistoryDravik& history)
 }
 
 CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDravik* doc, bool standalone)
-    : QDialog(parent), _doc(doc)
+    : CalPanel(parent, name, standalone,
+               "This will keep the latest and erase old calibration history records. OK to clear?"),
+      _doc(doc)
 {
-    if (standalone) {
-        setWindowFlags(Qt::WindowFlags());
-        setSizeGripEnabled(true);
-    }
-    setWindowTitle(QString::fromStdString("Calibration Control Panel: " + name));
     auto* grid = new QGridLayout;
     auto button = [this](const char* text, QGridLayout* layout, int row, void (CalDravikDialog::*slot)()) {
         auto* b = new QPushButton(text);
@@ -150,43 +147,16 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
         grid->addWidget(group, s.row, s.column);
     }
 
-    auto* history_row = new QHBoxLayout;
-    history_row->addWidget(new QLabel("History:"));
-    history_row->addStretch();
-    auto* clear = new QPushButton("Clear Old History...");
-    history_row->addWidget(clear);
-
-    _history = new CalHistoryTree({"Timestamp", "Type", "CO2A Zero", "CO2A Span1", "CO2A Span2", "CO2B Zero",
-                                   "CO2B Span1", "CO2B Span2", "H2OA Zero", "H2OA Span1", "H2OA Span2", "H2OB Zero",
-                                   "H2OB Span1", "H2OB Span2", "TCell A Zero", "TCell B Zero", "SS A Ref", "SS B Ref",
-                                   "FlowMeter Zero", "Flow A Zero", "Flow B Zero", "Chamber P Zero", "Oxygen"},
-                                  this);
-
-    auto* button_row = new QHBoxLayout;
-    auto* undo = new QPushButton("Undo");
-    auto* redo = new QPushButton("Redo");
-    undo->setEnabled(false);
-    redo->setEnabled(false);
-    auto* advanced = new QPushButton("Advanced...");
-    auto* close = new QPushButton("Close");
-    button_row->addWidget(undo);
-    button_row->addWidget(redo);
-    button_row->addWidget(advanced);
-    button_row->addStretch();
-    button_row->addWidget(close);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addLayout(history_row);
-    layout->addWidget(_history);
-    layout->addLayout(button_row);
-
+    auto* undo = _Placeholder("Undo");
+    auto* redo = _Placeholder("Redo");
     connect(undo, &QPushButton::clicked, this, &CalDravikDialog::OnUndoClicked);
     connect(redo, &QPushButton::clicked, this, &CalDravikDialog::OnRedoClicked);
-    connect(clear, &QPushButton::clicked, this, &CalDravikDialog::OnClearHistoryClicked);
-    connect(advanced, &QPushButton::clicked, this, &CalDravikDialog::OnAdvancedClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
-    connect(close, &QPushButton::clicked, this, &CalDravikDialog::OnCloseClicked);
+    _Lay(grid,
+         {"Timestamp", "Type", "CO2A Zero", "CO2A Span1", "CO2A Span2", "CO2B Zero", "CO2B Span1", "CO2B Span2",
+          "H2OA Zero", "H2OA Span1", "H2OA Span2", "H2OB Zero", "H2OB Span1", "H2OB Span2", "TCell A Zero",
+          "TCell B Zero", "SS A Ref", "SS B Ref", "FlowMeter Zero", "Flow A Zero", "Flow B Zero", "Chamber P Zero",
+          "Oxygen"},
+         0, undo, redo);
 
     _UpdateFromXML();
     resize(900, sizeHint().height());
@@ -221,19 +191,9 @@ void CalDravikDialog::OnOxygenApplyClicked()
                     "</oxygen></cal></dravik></arvex>\n");
 }
 
-void CalDravikDialog::OnClearHistoryClicked()
+void CalDravikDialog::_ClearOldRecords()
 {
-    if (!ConfirmClearOldHistory(this, "This will keep the latest and erase old calibration history records. OK to "
-                                      "clear?"))
-        return;
-    _history->clear();
     _doc->Conf().History().ClearOldRecords();
-    emit SendXMLChanges();
-}
-
-void CalDravikDialog::OnXMLChanged()
-{
-    _UpdateFromXML();
 }
 
 void CalDravikDialog::_Command(const std::string& element)

@@ -2,13 +2,13 @@
 // The calibration panel of a Dravik: zeros and spans of both analysers and the sensors around
 // them, the oxygen setting, and the history.
 
-#include <QDialog>
 #include <QStringList>
 
 #include <string>
 #include <vector>
 
-class CalHistoryTree;
+#include "service/calpanel.h"
+
 class ConfigCalDravik;
 class ConfigCalHistoryDravik;
 class ConfigurableFloat;
@@ -25,23 +25,13 @@ std::vector<QStringList> CalDravikHistoryRows(ConfigCalHistoryDravik& history);
 /// a span takes effect on the instrument at once; there is no commit and no rollback, and "Undo"
 /// and "Redo" stand disabled for good. The panel draws itself again from the document at every
 /// change, span gas and oxygen fields included, even while they are being typed in.
-///
-/// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
-/// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged(), and OnAdvancedClicked()
-/// to the owner, who makes the CalDravikAdvancedDialog.
-class CalDravikDialog : public QDialog {
+/// The owner makes the CalDravikAdvancedDialog.
+class CalDravikDialog : public CalPanel {
     Q_OBJECT
 public:
     /// `doc` is the connector's and outlives the panel. `standalone` makes the panel a plain widget
     /// with a size grip.
     CalDravikDialog(QWidget* parent, const std::string& name, DocDravik* doc, bool standalone);
-
-signals:
-    void OnAdvancedClicked();
-    void SendXMLChanges();
-    void SendRawXML(std::string text);
-    /// "Close" was pressed (the panel also hides itself).
-    void OnCloseClicked();
 
 public slots:
     // Each sends its command; a span sends its gas field exactly as typed, before the command in
@@ -71,10 +61,6 @@ public slots:
     /// Placeholders: their buttons are never enabled.
     void OnUndoClicked();
     void OnRedoClicked();
-    /// After the user confirms, keeps the newest record of each kind and sends the history; the
-    /// tree stays empty until the instrument's answer comes back.
-    void OnClearHistoryClicked();
-    void OnXMLChanged();
 
 private:
     using Leaf = ConfigurableFloat& (ConfigCalDravik::*)();
@@ -90,7 +76,10 @@ private:
         Leaf leaf;
     };
 
-    void _UpdateFromXML();
+    void _UpdateFromXML() override;
+    /// Keeps the newest record of each kind; the tree stays empty until the instrument's answer
+    /// comes back.
+    void _ClearOldRecords() override;
     void _Command(const std::string& element);
     /// Span `n` (1 or 2) of channel `channel` (0 to 3: CO2A, CO2B, H2OA, H2OB) with its gas field.
     void _Span(int channel, int n);
@@ -98,5 +87,4 @@ private:
     DocDravik* _doc;
     std::vector<_Value> _values;
     std::vector<_Field> _fields;  ///< the eight span gases, co2a 1 and 2 first; the oxygen last
-    CalHistoryTree* _history;
 };

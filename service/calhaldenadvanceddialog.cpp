@@ -4,7 +4,6 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 
 #include <cmath>
 #include <limits>
@@ -32,9 +31,8 @@ void apply(const QLineEdit* field, ConfigurableInteger& zero)
 }  // namespace
 
 CalHaldenAdvancedDialog::CalHaldenAdvancedDialog(QWidget* parent, const std::string& name, DocHalden* doc)
-    : QDialog(parent), _doc(doc)
+    : CalEditor(parent, name), _doc(doc)
 {
-    setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
     auto* groups = new QHBoxLayout;
     auto group = [groups](const char* title, const char* label) {
         auto* box = new QGroupBox(title);
@@ -48,37 +46,10 @@ CalHaldenAdvancedDialog::CalHaldenAdvancedDialog(QWidget* parent, const std::str
     _dc0 = group("DC0", "DC0:");
     _pc0 = group("Pc0", "Pc0:");
 
-    auto* refresh = new QPushButton("Refresh");
-    auto* apply = new QPushButton("Apply");
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(refresh);
-    buttons->addWidget(apply);
-    buttons->addWidget(close);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(groups);
-    layout->addLayout(buttons);
+    layout->addLayout(_Foot());
 
-    connect(refresh, &QPushButton::clicked, this, &CalHaldenAdvancedDialog::OnRefreshClicked);
-    connect(apply, &QPushButton::clicked, this, &CalHaldenAdvancedDialog::OnApplyClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
-    _UpdateFromXML();
-}
-
-void CalHaldenAdvancedDialog::OnApplyClicked()
-{
-    _ApplyToXML();
-}
-
-void CalHaldenAdvancedDialog::OnRefreshClicked()
-{
-    _UpdateFromXML();
-}
-
-void CalHaldenAdvancedDialog::OnXMLChanged()
-{
     _UpdateFromXML();
 }
 
@@ -94,6 +65,4 @@ void CalHaldenAdvancedDialog::_ApplyToXML()
     ConfigCalHalden& cal = _doc->Conf().Cal();
     apply(_dc0, cal.DC0());
     apply(_pc0, cal.Pc0());
-    emit SendXMLChanges();
-    emit CalUpdated();
 }

@@ -26,14 +26,10 @@ std::vector<QStringList> CalHaldenHistoryRows(ConfigCalHistoryHalden& history)
 }
 
 CalHaldenDialog::CalHaldenDialog(QWidget* parent, const std::string& name, DocHalden* doc, bool standalone)
-    : QDialog(parent), _doc(doc)
+    : CalPanel(parent, name, standalone,
+               "This will keep the latest and erase old calibration history records. OK to clear?"),
+      _doc(doc)
 {
-    if (standalone) {
-        setWindowFlags(Qt::WindowFlags());
-        setSizeGripEnabled(true);
-    }
-    setWindowTitle(QString::fromStdString("Calibration Control Panel: " + name));
-
     auto* groups = new QHBoxLayout;
     auto group = [this, groups](const char* title, QLabel* label, void (CalHaldenDialog::*slot)()) {
         auto* box = new QGroupBox(title);
@@ -52,39 +48,11 @@ CalHaldenDialog::CalHaldenDialog(QWidget* parent, const std::string& name, DocHa
     group("DC0", _dc0, &CalHaldenDialog::OnDCZeroClicked);
     group("Pc0", _pc0, &CalHaldenDialog::OnPcZeroClicked);
 
-    auto* history_row = new QHBoxLayout;
-    history_row->addWidget(new QLabel("History:"));
-    history_row->addStretch();
-    auto* clear = new QPushButton("Clear Old History...");
-    history_row->addWidget(clear);
-
-    _history = new CalHistoryTree({"Timestamp", "Type", "DC Zero", "Pc Zero"}, this);
-
-    auto* button_row = new QHBoxLayout;
-    auto* undo = new QPushButton("Undo");
-    auto* redo = new QPushButton("Redo");
-    undo->setEnabled(false);
-    redo->setEnabled(false);
-    auto* advanced = new QPushButton("Advanced...");
-    auto* close = new QPushButton("Close");
-    button_row->addWidget(undo);
-    button_row->addWidget(redo);
-    button_row->addWidget(advanced);
-    button_row->addStretch();
-    button_row->addWidget(close);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(groups);
-    layout->addLayout(history_row);
-    layout->addWidget(_history, 10);
-    layout->addLayout(button_row);
-
+    auto* undo = _Placeholder("Undo");
+    auto* redo = _Placeholder("Redo");
     connect(undo, &QPushButton::clicked, this, &CalHaldenDialog::OnUndoClicked);
     connect(redo, &QPushButton::clicked, this, &CalHaldenDialog::OnRedoClicked);
-    connect(clear, &QPushButton::clicked, this, &CalHaldenDialog::OnClearHistoryClicked);
-    connect(advanced, &QPushButton::clicked, this, &CalHaldenDialog::OnAdvancedClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
-    connect(close, &QPushButton::clicked, this, &CalHaldenDialog::OnCloseClicked);
+    _Lay(groups, {"Timestamp", "Type", "DC Zero", "Pc Zero"}, 10, undo, redo);
 
     _UpdateFromXML();
     resize(500, sizeHint().height());
@@ -103,19 +71,9 @@ void CalHaldenDialog::OnPcZeroClicked()
 void CalHaldenDialog::OnUndoClicked() {}
 void CalHaldenDialog::OnRedoClicked() {}
 
-void CalHaldenDialog::OnClearHistoryClicked()
+void CalHaldenDialog::_ClearOldRecords()
 {
-    if (!ConfirmClearOldHistory(this, "This will keep the latest and erase old calibration history records. OK to "
-                                      "clear?"))
-        return;
-    _history->clear();
     _doc->Conf().History().ClearOldRecords();
-    emit SendXMLChanges();
-}
-
-void CalHaldenDialog::OnXMLChanged()
-{
-    _UpdateFromXML();
 }
 
 void CalHaldenDialog::_UpdateFromXML()

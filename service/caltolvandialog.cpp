@@ -38,14 +38,13 @@ std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history)
 }
 
 CalTolvanDialog::CalTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc, bool standalone)
-    : QDialog(parent), _doc(doc), _standalone(standalone)
+    : CalPanel(parent, name, standalone,
+               "This will keep the latest and erase old calibration history records. You will still need to "
+               "press 'Commit' to make the change permanent and can always undo the change with the "
+               "'Rollback' button before committing. OK to clear?"),
+      _doc(doc),
+      _standalone(standalone)
 {
-    if (standalone) {
-        setWindowFlags(Qt::WindowFlags());
-        setSizeGripEnabled(true);
-    }
-    setWindowTitle(QString::fromStdString("Calibration Control Panel: " + name));
-
     auto* group = new QGroupBox("CH4 Calibration");
     auto* group_layout = new QVBoxLayout(group);
     _last_zero = new QLabel("Last Zero:");
@@ -69,39 +68,14 @@ CalTolvanDialog::CalTolvanDialog(QWidget* parent, const std::string& name, DocTo
     group_row->addWidget(group);
     group_row->addStretch();
 
-    auto* history_row = new QHBoxLayout;
-    history_row->addWidget(new QLabel("History:"));
-    history_row->addStretch();
-    auto* clear = new QPushButton("Clear Old History...");
-    history_row->addWidget(clear);
-
-    _history = new CalHistoryTree({"Timestamp", "Type", "CH4 Zero", "CH4 Span"}, this);
-
-    auto* button_row = new QHBoxLayout;
     auto* commit = new QPushButton("Commit");
     auto* rollback = new QPushButton("Rollback");
-    auto* advanced = new QPushButton("Advanced...");
-    auto* close = new QPushButton("Close");
-    button_row->addWidget(commit);
-    button_row->addWidget(rollback);
-    button_row->addWidget(advanced);
-    button_row->addStretch();
-    button_row->addWidget(close);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(group_row);
-    layout->addLayout(history_row);
-    layout->addWidget(_history);
-    layout->addLayout(button_row);
+    _Lay(group_row, {"Timestamp", "Type", "CH4 Zero", "CH4 Span"}, 0, commit, rollback);
 
     connect(zero, &QPushButton::clicked, this, &CalTolvanDialog::OnCH4ZeroClicked);
     connect(span, &QPushButton::clicked, this, &CalTolvanDialog::OnCH4SpanClicked);
     connect(commit, &QPushButton::clicked, this, &CalTolvanDialog::OnCommitClicked);
     connect(rollback, &QPushButton::clicked, this, &CalTolvanDialog::OnRollbackClicked);
-    connect(clear, &QPushButton::clicked, this, &CalTolvanDialog::OnClearHistoryClicked);
-    connect(advanced, &QPushButton::clicked, this, &CalTolvanDialog::OnAdvancedClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
-    connect(close, &QPushButton::clicked, this, &CalTolvanDialog::OnCloseClicked);
 
     _UpdateFromXML();
     resize(600, sizeHint().height());
@@ -128,21 +102,9 @@ void CalTolvanDialog::OnRollbackClicked()
     emit SendRawXML("<arvex><tolvan><cmd><calrollback>true</calrollback></cmd></tolvan></arvex>\n");
 }
 
-void CalTolvanDialog::OnClearHistoryClicked()
+void CalTolvanDialog::_ClearOldRecords()
 {
-    if (!ConfirmClearOldHistory(this, "This will keep the latest and erase old calibration history records. You "
-                                      "will still need to press 'Commit' to make the change permanent and can "
-                                      "always undo the change with the 'Rollback' button before committing. OK "
-                                      "to clear?"))
-        return;
-    _history->clear();
     _doc->Conf().Cal().ClearOldHistoryRecords();
-    emit SendXMLChanges();
-}
-
-void CalTolvanDialog::OnXMLChanged()
-{
-    _UpdateFromXML();
 }
 
 void CalTolvanDialog::reject()

@@ -1,13 +1,13 @@
 #pragma once
 // The calibration panel of a Tolvan: zero, span, commit, rollback and the history.
 
-#include <QDialog>
 #include <QStringList>
 
 #include <string>
 #include <vector>
 
-class CalHistoryTree;
+#include "service/calpanel.h"
+
 class ConfigCalHistory;
 class DocTolvan;
 class QLabel;
@@ -20,23 +20,13 @@ std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history);
 /// The calibration panel over the `cal` section of a Tolvan's document. The instrument does the
 /// calibration: the panel sends commands, and draws itself again from the document whenever the
 /// section comes back changed. It keeps no state of its own, so every button is always enabled.
-///
-/// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
-/// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged(), and OnAdvancedClicked()
-/// to the owner, who makes the CalAdvancedDialog.
-class CalTolvanDialog : public QDialog {
+/// The owner makes the CalAdvancedDialog.
+class CalTolvanDialog : public CalPanel {
     Q_OBJECT
 public:
     /// `doc` is the connector's and outlives the panel. `standalone` makes the panel a plain widget
     /// with a size grip, for the calibration main window.
     CalTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc, bool standalone);
-
-signals:
-    void OnAdvancedClicked();
-    void SendXMLChanges();
-    void SendRawXML(std::string text);
-    /// "Close" was pressed (the panel also hides itself).
-    void OnCloseClicked();
 
 public slots:
     void OnCH4ZeroClicked();
@@ -44,20 +34,18 @@ public slots:
     void OnCH4SpanClicked();
     void OnCommitClicked();
     void OnRollbackClicked();
-    /// After the user confirms, keeps only the records of the last zero and the last span and sends
-    /// the history; the tree shows what the document holds once it is sent.
-    void OnClearHistoryClicked();
-    void OnXMLChanged();
     /// Escape: stand-alone, the panel is the whole window, so it closes as "Close" does.
     void reject() override;
 
 private:
-    void _UpdateFromXML();
+    void _UpdateFromXML() override;
+    /// Keeps only the records of the last zero and the last span; the tree shows what the
+    /// document holds once it is sent.
+    void _ClearOldRecords() override;
 
     DocTolvan* _doc;
     bool _standalone;
     QLabel* _last_zero;
     QLabel* _last_span;
     QLineEdit* _span_gas;
-    CalHistoryTree* _history;
 };

@@ -14,6 +14,7 @@
 #include <stdexcept>
 
 #include "libskarn/configcommon.h"
+#include "service/footrow.h"
 
 void DateTimeEdit::focusInEvent(QFocusEvent* event)
 {
@@ -45,27 +46,19 @@ ClockTolvanDialog::ClockTolvanDialog(QWidget* parent, const std::string& name, C
     form->addRow("Timezone:", _zone);
     form->addRow("Instrument Time:", _time);
 
-    auto* buttons = new QHBoxLayout;
-    auto* refresh = new QPushButton("Refresh");
-    auto* apply = new QPushButton("Apply");
-    auto* close = new QPushButton("Close");
-    buttons->addStretch();
-    buttons->addWidget(refresh);
-    buttons->addWidget(apply);
-    buttons->addWidget(close);
+    const FootRow buttons = RefreshApplyCloseRow(this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(ptp_group);
     layout->addLayout(form);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.layout);
 
     connect(_timer, &QTimer::timeout, this, &ClockTolvanDialog::OnTimeout);
     connect(_time, &DateTimeEdit::GotFocus, this, &ClockTolvanDialog::OnDateTimeFocus);
-    connect(refresh, &QPushButton::clicked, this, &ClockTolvanDialog::OnRefresh);
-    connect(apply, &QPushButton::clicked, this, &ClockTolvanDialog::OnApply);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
+    connect(buttons.refresh, &QPushButton::clicked, this, &ClockTolvanDialog::OnRefresh);
+    connect(buttons.apply, &QPushButton::clicked, this, &ClockTolvanDialog::OnApply);
     // The first radio button would take the focus on showing and stop PTP updates at once.
-    close->setFocus();
+    buttons.close->setFocus();
 
     _UpdateFromXML();
 }

@@ -179,8 +179,9 @@ void SimTolvan::_SendWaveforms()
         const double t = SimSpectrum::PointTemperature(centre, i);
         const double r = SimSpectrum::Reference(t);
         const double s = SimSpectrum::Sample(t);
-        reference.AddFixed(r, 5);
-        sample.AddFixed(s, 5);
+        // The detectors' own noise, so that the waveforms live even while the laser holds still.
+        reference.AddFixed(r + _plant.Noise(WAVEFORM_NOISE), 5);
+        sample.AddFixed(s + _plant.Noise(WAVEFORM_NOISE), 5);
         reference_dc.AddFixed(0.9 * laser_power(i) * (1.0 - r), 5);
         sample_dc.AddFixed(transmission * laser_power(i) * (1.0 - s), 5);
     }

@@ -10,11 +10,15 @@
 /// A Tolvan. It sends what `output` selects at `output`/`rate`: DATA, with the four waveforms
 /// when `waveforms` is set, and once a second DATASTAT, DATACLOCK and DATACLOCKSYNC as
 /// `status`, `dataclock` and `dataclocksync` say. The laser follows the cooler's set point with
-/// a lag, and its waveforms are windows of SimSpectrum around the laser's temperature. Zero and
-/// span act on the calibration section and its history; `calcommit` keeps a copy that
-/// `calrollback` and a restart go back to.
+/// a lag, and its waveforms are windows of SimSpectrum around the laser's temperature, DATAR and
+/// DATAS with a little detector noise. Zero and span act on the calibration section and its
+/// history; `calcommit` keeps a copy that `calrollback` and a restart go back to.
 class SimTolvan : public SimInstrument, private DocTolvanListener {
 public:
+    /// Standard deviation of the detectors' noise on DATAR and DATAS, in absorption: a few parts
+    /// in ten thousand, well under the shallowest line a scan must find.
+    static constexpr double WAVEFORM_NOISE = 0.0004;
+
     explicit SimTolvan(const std::string& name);
 
     int DefaultPort() const override { return 4410; }

@@ -15,11 +15,19 @@ void ShowToolWindow(Dialog*& dialog, Make make)
     dialog->raise();
 }
 
+/// The dialog's changes go out through the connector, and new values come in; for a dialog that
+/// sends no ready-made messages.
+template <class Dialog>
+void JoinChangesToConnector(Dialog* dialog, Connector& connector)
+{
+    QObject::connect(dialog, &Dialog::SendXMLChanges, &connector, &Connector::OnSendXMLChanges);
+    QObject::connect(&connector, &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
+}
+
 /// The dialog's changes and messages go out through the connector, and new values come in.
 template <class Dialog>
 void JoinToConnector(Dialog* dialog, Connector& connector)
 {
-    QObject::connect(dialog, &Dialog::SendXMLChanges, &connector, &Connector::OnSendXMLChanges);
+    JoinChangesToConnector(dialog, connector);
     QObject::connect(dialog, &Dialog::SendRawXML, &connector, &Connector::OnSendRawXML);
-    QObject::connect(&connector, &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
 }

@@ -57,9 +57,8 @@ void WatchDravikDialog::OnCalAdvancedClicked()
 {
     ShowToolWindow(_cal_advanced, [this] {
         auto* dialog = new CalDravikAdvancedDialog(this, _connector->Host(), &_connector->Doc_Dravik());
-        connect(dialog, &CalDravikAdvancedDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        JoinChangesToConnector(dialog, *_connector);
         connect(dialog, &CalDravikAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-        connect(_connector.get(), &Connector::GotXMLChanges, dialog, &CalDravikAdvancedDialog::OnXMLChanged);
         return dialog;
     });
 }

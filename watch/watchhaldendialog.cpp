@@ -88,9 +88,8 @@ void WatchHaldenDialog::OnCalAdvancedClicked()
 {
     ShowToolWindow(_cal_advanced, [this] {
         auto* dialog = new CalHaldenAdvancedDialog(this, _connector->Host(), &_connector->Doc_Halden());
-        connect(dialog, &CalHaldenAdvancedDialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
+        JoinChangesToConnector(dialog, *_connector);
         connect(dialog, &CalHaldenAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-        connect(_connector.get(), &Connector::GotXMLChanges, dialog, &CalHaldenAdvancedDialog::OnXMLChanged);
         return dialog;
     });
 }

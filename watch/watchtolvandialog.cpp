@@ -15,6 +15,7 @@
 #include "service/temptolvandialog.h"
 #include "watch/mytablewidget.h"
 #include "watch/plotwavedialog.h"
+#include "watch/toolwindow.h"
 #include "watch/widetolvandialog.h"
 
 namespace {
@@ -25,13 +26,6 @@ const char* const kRecords[] = {"DATAH",    "DATA",           "DATASTATH",     "
 
 // "DATASTAT" is the window's clock; the other data records are read when it comes.
 const char* const kListenedTo[] = {"DATAH", "DATASTATH", "DATADIAGH", "DATACLOCKSYNCH", "DATATESTH", "DATASTAT"};
-
-void show_on_top(QDialog* dialog)
-{
-    dialog->show();
-    dialog->activateWindow();
-    dialog->raise();
-}
 
 }  // namespace
 
@@ -129,21 +123,6 @@ void WatchTolvanDialog::OnDataClockSyncChanged(int state)
     _connector->SendClockSyncMessages(state == Qt::Checked);
 }
 
-template <class Dialog>
-Dialog* WatchTolvanDialog::_Join(Dialog* dialog)
-{
-    connect(dialog, &Dialog::SendXMLChanges, _connector.get(), &Connector::OnSendXMLChanges);
-    connect(_connector.get(), &Connector::GotXMLChanges, dialog, &Dialog::OnXMLChanged);
-    return dialog;
-}
-
-template <class Dialog>
-Dialog* WatchTolvanDialog::_JoinRaw(Dialog* dialog)
-{
-    connect(dialog, &Dialog::SendRawXML, _connector.get(), &Connector::OnSendRawXML);
-    return _Join(dialog);
-}
-
 bool WatchTolvanDialog::_IsMorvik() const
 {
     return _connector->Type() == "morvik" || _connector->Type() == "sarnel";
@@ -151,82 +130,96 @@ bool WatchTolvanDialog::_IsMorvik() const
 
 void WatchTolvanDialog::OnTClicked()
 {
-    if (!_temp)
-        _temp = _Join(new TempTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
-    show_on_top(_temp);
+    ShowToolWindow(_temp, [this] {
+        auto* dialog = new TempTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan());
+        JoinChangesToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnCalClicked()
 {
-    if (!_cal) {
-        _cal = _JoinRaw(new CalTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan(), false));
-        connect(_cal, &CalTolvanDialog::OnAdvancedClicked, this, &WatchTolvanDialog::OnCalAdvancedClicked);
-    }
-    show_on_top(_cal);
+    ShowToolWindow(_cal, [this] {
+        auto* dialog = new CalTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan(), false);
+        JoinToConnector(dialog, *_connector);
+        connect(dialog, &CalTolvanDialog::OnAdvancedClicked, this, &WatchTolvanDialog::OnCalAdvancedClicked);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnCalAdvancedClicked()
 {
-    if (!_cal_advanced) {
-        _cal_advanced = _Join(new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
-        connect(_cal_advanced, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-    }
-    show_on_top(_cal_advanced);
+    ShowToolWindow(_cal_advanced, [this] {
+        auto* dialog = new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan());
+        JoinChangesToConnector(dialog, *_connector);
+        connect(dialog, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnFactoryClicked()
 {
-    if (!_factory)
-        _factory = _JoinRaw(new FactoryTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Factory()));
-    show_on_top(_factory);
+    ShowToolWindow(_factory, [this] {
+        auto* dialog = new FactoryTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Factory());
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnHeatersClicked()
 {
-    if (!_heaters)
-        _heaters = _JoinRaw(new HeatersTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan()));
-    show_on_top(_heaters);
+    ShowToolWindow(_heaters, [this] {
+        auto* dialog = new HeatersTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan());
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnClockClicked()
 {
-    if (!_clock) {
+    ShowToolWindow(_clock, [this] {
         ConfigCfgClock& clock = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Clock()
                                             : _connector->Doc_Tolvan().Conf().Cfg().Clock();
-        _clock = _JoinRaw(new ClockTolvanDialog(this, _connector->Host(), &clock));
-    }
+        auto* dialog = new ClockTolvanDialog(this, _connector->Host(), &clock);
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
+    // Every opening asks the instrument for its clock at once.
     _clock->OnRefresh();
-    show_on_top(_clock);
 }
 
 void WatchTolvanDialog::OnNetworkClicked()
 {
-    if (!_network) {
+    ShowToolWindow(_network, [this] {
         ConfigCfgNetwork& network = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Network()
                                                 : _connector->Doc_Tolvan().Conf().Cfg().Network();
-        _network = _JoinRaw(new NetworkTolvanDialog(this, _connector->Host(), &network, _connector->Type()));
-    }
-    show_on_top(_network);
+        auto* dialog = new NetworkTolvanDialog(this, _connector->Host(), &network, _connector->Type());
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnRateClicked()
 {
-    if (!_rate)
-        _rate = _JoinRaw(
-            new RateDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Output().Rate(), "tolvan"));
-    show_on_top(_rate);
+    ShowToolWindow(_rate, [this] {
+        auto* dialog =
+            new RateDialog(this, _connector->Host(), &_connector->Doc_Tolvan().Conf().Output().Rate(), "tolvan");
+        JoinToConnector(dialog, *_connector);
+        return dialog;
+    });
 }
 
 void WatchTolvanDialog::OnWideClicked()
 {
-    if (!_wide) {
+    ShowToolWindow(_wide, [this] {
         const std::string& host = _connector->Host();
-        _wide = _JoinRaw(new WideTolvanDialog(this, host, _connector->Doc_Tolvan(),
-                                              VariableString(host, "DATAR", "WAVEFORM").str(),
-                                              VariableString(host, "DATAS", "WAVEFORM").str(),
-                                              VariableString(host, "DATASTAT", "LCTACTUAL").str()));
+        auto* dialog = new WideTolvanDialog(this, host, _connector->Doc_Tolvan(),
+                                            VariableString(host, "DATAR", "WAVEFORM").str(),
+                                            VariableString(host, "DATAS", "WAVEFORM").str(),
+                                            VariableString(host, "DATASTAT", "LCTACTUAL").str());
+        JoinToConnector(dialog, *_connector);
         // Opening the scan moves the laser to its start, now that the message has somewhere to go.
-        _wide->SetStartLaserTemp();
-    }
-    show_on_top(_wide);
+        dialog->SetStartLaserTemp();
+        return dialog;
+    });
 }

@@ -53,12 +53,6 @@ public slots:
 private:
     PlotWaveDialog* _OpenWaveforms(PlotWaveDialog* dialog, const char* reference, const char* sample,
                                    const QString& title);
-    /// Joins a new tool window to the connector: its changes out, the document's changes in.
-    template <class Dialog>
-    Dialog* _Join(Dialog* dialog);
-    /// The same, and its ready-made messages out.
-    template <class Dialog>
-    Dialog* _JoinRaw(Dialog* dialog);
     /// The connector's model is a Morvik or Sarnel.
     bool _IsMorvik() const;
 
