@@ -93,29 +93,25 @@ void WatchTolvanDialog::GotConnectorData(Connector& /*connector*/, std::string /
     _UpdateValueColumns();
 }
 
-PlotWaveDialog* WatchTolvanDialog::_OpenWaveforms(PlotWaveDialog* dialog, const char* reference, const char* sample,
-                                                  const QString& title)
+void WatchTolvanDialog::_OpenWaveforms(PlotWaveDialog*& dialog, const char* reference, const char* sample,
+                                       const QString& title)
 {
-    if (!dialog) {
+    ShowToolWindow(dialog, [&] {
         const std::string& host = _connector->Host();
-        dialog = new PlotWaveDialog(this, VariableString(host, reference, "WAVEFORM").str(),
-                                    VariableString(host, sample, "WAVEFORM").str(), title, "Reference", "Sample", -50,
-                                    50, -49.5, 0, 1, false);
-    }
-    dialog->show();
-    dialog->activateWindow();
-    dialog->raise();
-    return dialog;
+        return new PlotWaveDialog(this, VariableString(host, reference, "WAVEFORM").str(),
+                                  VariableString(host, sample, "WAVEFORM").str(), title, "Reference", "Sample", -50, 50,
+                                  -49.5, 0, 1, false);
+    });
 }
 
 void WatchTolvanDialog::OnWaveClicked()
 {
-    _wave = _OpenWaveforms(_wave, "DATAR", "DATAS", "Waveforms");
+    _OpenWaveforms(_wave, "DATAR", "DATAS", "Waveforms");
 }
 
 void WatchTolvanDialog::OnDCClicked()
 {
-    _dc = _OpenWaveforms(_dc, "DATARDC", "DATASDC", "DC Waveforms");
+    _OpenWaveforms(_dc, "DATARDC", "DATASDC", "DC Waveforms");
 }
 
 void WatchTolvanDialog::OnDataClockSyncChanged(int state)

@@ -51,8 +51,7 @@ public slots:
     void OnRateClicked();
 
 private:
-    PlotWaveDialog* _OpenWaveforms(PlotWaveDialog* dialog, const char* reference, const char* sample,
-                                   const QString& title);
+    void _OpenWaveforms(PlotWaveDialog*& dialog, const char* reference, const char* sample, const QString& title);
     /// The connector's model is a Morvik or Sarnel.
     bool _IsMorvik() const;
 
