@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/with_sum.h"
 #include "link/connector.h"
 
 namespace {
@@ -20,17 +21,6 @@ size_t heap_in_use()
 {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
-}
-
-// The line with its Sum8 in three digits, as instruments send it.
-std::string with_sum(const std::string& body)
-{
-    unsigned sum = 0;
-    for (unsigned char c : body)
-        sum += c;
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%03u", sum & 0xff);
-    return body + digits + "\n";
 }
 
 using LineMaker = std::function<std::string(long)>;

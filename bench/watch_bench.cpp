@@ -18,6 +18,7 @@
 
 #include "bench/application.h"
 #include "bench/ratio.h"
+#include "bench/with_sum.h"
 #include "watch/plotdialog.h"
 #include "watch/watchtolvandialog.h"
 
@@ -25,16 +26,6 @@ namespace {
 
 constexpr int FIELDS = 30;
 constexpr int CHART_POINTS = 300 * 40;
-
-std::string with_sum(const std::string& body)
-{
-    unsigned sum = 0;
-    for (unsigned char c : body)
-        sum += c;
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%03u", sum & 0xff);
-    return body + digits + "\n";
-}
 
 std::string header(const std::string& record)
 {
