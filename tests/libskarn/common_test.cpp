@@ -66,7 +66,7 @@ template <class Doc>
 Model served(const std::string& file, const std::string& tag)
 {
     Model m = plain<Doc>(file, tag);
-    m.serve = [](ConfigurableComposite& doc, const std::string& message) { return serve(static_cast<Doc&>(doc), message); };
+    m.serve = [](ConfigurableComposite& doc, const std::string& text) { return serve(static_cast<Doc&>(doc), text); };
     return m;
 }
 
@@ -113,8 +113,8 @@ TEST(Documents, MessagesThatChangeNothing)
         {&morvik, "<sarnel><morvik><name>x</name></morvik></sarnel>",
          "<Error Param=\"arvex\">Invalid start element: sarnel</Error>"},
         {&ostrel, "<arvex><ost><cmd><reboot>true</reboot></cmd></ost></arvex>", ""},  // commands go back to false
-        {&ostrel, "<arvex><ost><ack>false</ack><error>x</error><name>n</name><serialnumber>s</serialnumber></ost></arvex>",
-         ""},
+        {&ostrel, "<arvex><ost><ack>false</ack><error>x</error><name>n</name>"
+                  "<serialnumber>s</serialnumber></ost></arvex>", ""},
         {&ostrel, "<arvex><ostrel><flow>1</flow></ostrel></arvex>", ""},
     };
     for (const auto& row : rows) {
@@ -140,14 +140,16 @@ TEST(Documents, IsConfigChangedCountsSettingsOnly)
         {&tolvan, "<cmd><poll>true</poll></cmd><cpld><ver>7</ver><motor><actual_pos>3</actual_pos></motor></cpld>",
          false},
         {&tolvan, "<factory><cmd><commit>true</commit></cmd></factory>", true},  // the factory section changed
-        {&tolvan, "<output><status>true</status></output>", true}, {&tolvan, "<box><usb><zip>true</zip></usb></box>", true},
+        {&tolvan, "<output><status>true</status></output>", true},
+        {&tolvan, "<box><usb><zip>true</zip></usb></box>", true},
         {&tolvan, "<cfg><sdmaddress>3</sdmaddress></cfg>", true}, {&tolvan, "<cal><ch4zero>0.1</ch4zero></cal>", true},
         {&tolvan, "<factory><dither>5</dither></factory>", true}, {&tolvan, "<ver>1.2</ver>", true},
         {&tolvan, "<name>ch4-0007</name>", true}, {&tolvan, "<ipaddress>10.0.0.9</ipaddress>", true},
         {&dravik, "<fpga>2.0</fpga><dsp>3.0</dsp><cmd><poll>true</poll></cmd><run><runnow>go</runnow>"
                   "<scripts><script><name>a</name></script></scripts></run>", false},
         {&dravik, "<output><status>true</status></output>", true},
-        {&dravik, "<cfg><match><percent>1</percent></match></cfg>", true}, {&dravik, "<cal><oxygen>20</oxygen></cal>", true},
+        {&dravik, "<cfg><match><percent>1</percent></match></cfg>", true},
+        {&dravik, "<cal><oxygen>20</oxygen></cal>", true},
         {&dravik, "<history><record><time>5</time></record></history>", true},
         {&dravik, "<factory><caldate>2016-01-06</caldate></factory>", true}, {&dravik, "<ver>1.0</ver>", true},
         {&dravik, "<name>head</name>", true}, {&dravik, "<ipaddress>10.0.0.2</ipaddress>", true},
@@ -160,7 +162,8 @@ TEST(Documents, IsConfigChangedCountsSettingsOnly)
         {&quenta, "<ipaddress>10.0.0.2</ipaddress>", true},
         {&halden, "<history><record><time>2016-01-06 09:27:23.00</time><type>zero_dc0</type><DC0>5</DC0><Pc0>0</Pc0>"
                   "</record></history><cmd><rect>true</rect></cmd><fpga>1.4</fpga><dsp>2.0</dsp>", false},
-        {&halden, "<cal><Pc0>12</Pc0></cal>", true}, {&halden, "<output><datarawcapture>true</datarawcapture></output>", true},
+        {&halden, "<cal><Pc0>12</Pc0></cal>", true},
+        {&halden, "<output><datarawcapture>true</datarawcapture></output>", true},
         {&halden, "<cfg><measure><dark_modrate>20</dark_modrate></measure></cfg>", true},
         {&halden, "<factory><bias><red_bias>3000</red_bias></bias></factory>", true}, {&halden, "<ver>3.1</ver>", true},
         {&bremmel, "<factory><serialnumber>BR-0007</serialnumber></factory><cmd><reboot>true</reboot></cmd>", false},
@@ -230,7 +233,8 @@ TEST(IPAddress, ReadsAndChanges)
     for (const auto& [text, good] : rows) {
         SCOPED_TRACE(text);
         ConfigCfgNetwork network;
-        EXPECT_EQ(reply(network, std::string("<network><ipaddress>") + text + "</ipaddress><netmask>255.0.0.0</netmask></network>"),
+        EXPECT_EQ(reply(network, std::string("<network><ipaddress>") + text +
+                                     "</ipaddress><netmask>255.0.0.0</netmask></network>"),
                   good ? "" : "<Error Param=\"ipaddress\">unable to read IP address\n</Error>");
         EXPECT_EQ(network.Ipaddress().get().Presentation(), good ? text : "192.168.1.95");
         EXPECT_EQ(network.Netmask().get().Presentation(), "255.0.0.0");
@@ -364,7 +368,8 @@ TEST(Clock, TimeDateChecksOnlyTheSeparatorsAndWritesZeroFilled)
     // Times are written zero-filled.
     ConfigCfgClock clock;
     clock.TimeDate(981173106);  // 2001-02-03 04:05:06 UTC
-    EXPECT_EQ(query(clock), "<clock><time>04:05:06</time><date>2001-02-03</date><zone>UTC</zone><ptp>auto</ptp></clock>");
+    EXPECT_EQ(query(clock),
+              "<clock><time>04:05:06</time><date>2001-02-03</date><zone>UTC</zone><ptp>auto</ptp></clock>");
     EXPECT_EQ(clock.TimeDate(), 981173106);
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -23,8 +22,6 @@ std::string query(Configurable& node, const std::string& path_open, const std::s
 {
     return reply(node, "<arvex><dravik>" + path_open + "&query_item;" + path_close + "</dravik></arvex>");
 }
-
-// --- calibration history ---
 
 std::vector<std::string> types(const ConfigCalHistoryDravik& history)
 {
@@ -109,8 +106,6 @@ TEST(DravikCalHistory, Assignment)
     EXPECT_FALSE(target.Co2bspan2().has_changed());
     EXPECT_TRUE(target.Tazero().has_changed());
 }
-
-// --- scripts ---
 
 // Script code crosses the wire escaped, as it stands, both ways; conditions travel as attributes.
 TEST(DravikScripts, CodeAndConditionsOnTheWire)

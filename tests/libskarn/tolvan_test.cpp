@@ -177,8 +177,14 @@ struct Recorder : DocTolvanListener {
     void OnLogUSBStart() override { note("OnLogUSBStart"); }
     void OnLogUSBStop() override { note("OnLogUSBStop"); }
     void OnTopHeater(int64_t p, int c, long on, long off, float dt) override { note("OnTopHeater", p, c, on, off, dt); }
-    void OnBottomHeater(int64_t p, int c, int64_t l, long on, long off) override { note("OnBottomHeater", p, c, l, on, off); }
-    void OnSpinMirror(int c, int64_t l, long on, long off, int64_t d, long r) override { note("OnSpinMirror", c, l, on, off, d, r); }
+    void OnBottomHeater(int64_t p, int c, int64_t l, long on, long off) override
+    {
+        note("OnBottomHeater", p, c, l, on, off);
+    }
+    void OnSpinMirror(int c, int64_t l, long on, long off, int64_t d, long r) override
+    {
+        note("OnSpinMirror", c, l, on, off, d, r);
+    }
     void OnLineLockChanged(int cc, int64_t cd, int bc, int64_t bd, float ct, float bt) override
     {
         note("OnLineLockChanged", cc, cd, bc, bd, ct, bt);
@@ -191,7 +197,10 @@ struct Recorder : DocTolvanListener {
     {
         note("OnNetwork", name, automatic ? "auto" : "manual", ip, mask, gw);
     }
-    void OnAux(unsigned n, int type, float a0, float a1, float a2, float a3) override { note("OnAux", n, type, a0, a1, a2, a3); }
+    void OnAux(unsigned n, int type, float a0, float a1, float a2, float a3) override
+    {
+        note("OnAux", n, type, a0, a1, a2, a3);
+    }
     void OnFactoryChanged() override { note("OnFactoryChanged"); }
     void OnFactoryCommit() override { note("OnFactoryCommit"); }
     void OnFactoryRollback() override { note("OnFactoryRollback"); }
@@ -211,6 +220,7 @@ using Calls = std::vector<std::string>;
 
 TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
 {
+    const Calls span{"OnCalChanged", "OnCH4Span 2.5"};
     const std::pair<const char*, Calls> cases[] = {
         {"", {}}, {"<output><status>true</status><dataclocksync>true</dataclocksync></output>", {}},
         {"<output><rate>10</rate></output>", {"OnRate 10", "OnConfigChanged"}},
@@ -224,7 +234,8 @@ TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
          {"OnSpinMirror 0 40 0 0 45 4500", "OnConfigChanged"}},
         {"<cfg><linelock><lasercooler><control>manual</control><temp>30.5</temp></lasercooler></linelock></cfg>",
          {"OnLineLockChanged 1 0 1 0 30.5 22"}},
-        {"<cfg><clock><ptp>preferred</ptp></clock></cfg>", {"OnPTP 2"}}, {"<factory><dither>5</dither></factory>", {"OnFactoryChanged"}},
+        {"<cfg><clock><ptp>preferred</ptp></clock></cfg>", {"OnPTP 2"}},
+        {"<factory><dither>5</dither></factory>", {"OnFactoryChanged"}},
         {"<cfg><network><configuration>manual</configuration><ipaddress>10.0.0.2</ipaddress></network></cfg>",
          {"OnNetwork ch4-xxxx manual 10.0.0.2 255.255.255.0 192.168.1.1"}},
         {"<cfg><aux3><type>steinhart</type><a2>0.5</a2></aux3></cfg>", {"OnAux 3 1 0 1 0.5 0", "OnConfigChanged"}},
@@ -233,8 +244,8 @@ TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
          {"OnFactoryCommit", "OnFactoryRollback", "OnFactoryChanged"}},
         {"<cmd><poll>false</poll></cmd>", {}}, {"<cpld><ver>3</ver></cpld>", {}},
         // The span gets the concentration of the same message, wherever it stands.
-        {"<cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>", {"OnCalChanged", "OnCH4Span 2.5"}},
-        {"<cmd><ch4span>true</ch4span></cmd><cal><ch4spanconc>2.5</ch4spanconc></cal>", {"OnCalChanged", "OnCH4Span 2.5"}},
+        {"<cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>", span},
+        {"<cmd><ch4span>true</ch4span></cmd><cal><ch4spanconc>2.5</ch4spanconc></cal>", span},
     };
     for (const auto& [body, expected] : cases) {
         CleanDoc doc;
@@ -305,7 +316,8 @@ TEST(TolvanEvents, ClockTimeIsHandedOnAsTimeT)
               (Calls{"OnSetTime"}));
     EXPECT_EQ(recorder.set_time, doc.Conf().Cfg().Clock().TimeDate());
 
-    EXPECT_THROW(serve(doc, envelope("tolvan", "<cfg><clock><date>2024/05/06</date></clock></cfg>")), std::runtime_error);
+    EXPECT_THROW(serve(doc, envelope("tolvan", "<cfg><clock><date>2024/05/06</date></clock></cfg>")),
+                 std::runtime_error);
 }
 
 }  // namespace

@@ -184,9 +184,9 @@ TEST_F(StreamTest, ContinuousLoggingWritesTheStreamAsItComes)
         connector->HandleData(line);
     connector->StartLoggingToFile();
     EXPECT_TRUE(connector->IsLogging());
-    for (const std::string& line : {data1, std::string("DATA\t1\t2\t3\t000\n"), std::string("DATASTATH\tX\tY\tZ\n"), stat,
-                                    std::string("DATACLOCK\t12:00\n"), std::string("DATAFLRAW\txyz\n"),
-                                    std::string("DATAU\tppm\n")})
+    const std::string bad_sum = "DATA\t1\t2\t3\t000\n", header = "DATASTATH\tX\tY\tZ\n";
+    for (const std::string& line : {data1, bad_sum, header, stat, std::string("DATACLOCK\t12:00\n"),
+                                    std::string("DATAFLRAW\txyz\n"), std::string("DATAU\tppm\n")})
         connector->HandleData(line);
     connector->HandleXML("<arvex><tolvan><name>n</name></tolvan></arvex>\n");
     connector->StopLoggingToFile();
@@ -309,9 +309,9 @@ TEST(Socket, OpeningFramingAndChanges)
     EXPECT_TRUE(connected.count() > 0 || connected.wait(TIMEOUT_MS));
     EXPECT_EQ(connector->ConnectedTo(), "127.0.0.1:" + std::to_string(instrument.port()));
     ASSERT_TRUE(instrument.WaitForLines(4));
-    EXPECT_EQ(instrument.lines, (std::vector<std::string>{"<arvex>&query_doctype;</arvex>\n",
-                                                          "<arvex>&query_changes;</arvex>\n", "<arvex>&query;</arvex>\n",
-                                                          TypeTolvan().OutputSelection()}));
+    EXPECT_EQ(instrument.lines,
+              (std::vector<std::string>{"<arvex>&query_doctype;</arvex>\n", "<arvex>&query_changes;</arvex>\n",
+                                        "<arvex>&query;</arvex>\n", TypeTolvan().OutputSelection()}));
     std::string log;
     RecordingListener listener("L", log);
     connector->RegisterListener("DATA", &listener);
@@ -426,7 +426,8 @@ TEST(ConnectorTypes, WordsAndDocuments)
         EXPECT_EQ(type->TypeName(), row.name) << row.word;
         auto* composite = dynamic_cast<ConfigurableComposite*>(&type->Doc());
         ASSERT_NE(composite, nullptr);
-        EXPECT_EQ(composite->name() + "/" + composite->children().front()->name(), std::string("arvex/") + row.model_tag);
+        EXPECT_EQ(composite->name() + "/" + composite->children().front()->name(),
+                  std::string("arvex/") + row.model_tag);
         const std::string selection = type->OutputSelection();
         EXPECT_EQ(!selection.empty(), row.selects_records) << row.word;
         EXPECT_TRUE(selection.empty() || selection.back() == '\n') << row.word;
@@ -442,8 +443,9 @@ TEST(ConnectorTypes, RecordTimes)
         const char *word, *record;
         double time, test_time;
     } rows[] = {
-        {"tolvan", "DATA", 7.25, 1}, {"morvik", "DATASTAT", 7.25, 1}, {"halden", "DATA", 5, 5}, {"quenta", "DATASTAT", 5, 5},
-        {"ostrel", "DATA", 5, 5}, {"bremmel", "DATA", 250000000.5, 1}, {"bremmel", "DATAGPS", 5.000000007, 1},
+        {"tolvan", "DATA", 7.25, 1}, {"morvik", "DATASTAT", 7.25, 1}, {"halden", "DATA", 5, 5},
+        {"quenta", "DATASTAT", 5, 5}, {"ostrel", "DATA", 5, 5}, {"bremmel", "DATA", 250000000.5, 1},
+        {"bremmel", "DATAGPS", 5.000000007, 1},
     };
     for (const auto& row : rows) {
         auto type = ConnectorType::Make(row.word);
