@@ -1,5 +1,5 @@
-// The message tables of the language. Each table runs on one tree, row after row, because every
-// row builds on the state the rows before it left.
+// The message tables of the language, each on one tree, row after row, because every row builds on the
+// state the rows before it left; and walking a tree, its change marks and defaults.
 
 #include <gtest/gtest.h>
 
@@ -24,9 +24,7 @@ TEST(Language, CoreQueriesSettingsAndChanges)
          "<L><a>1234</a><b>0.1234</b><d><e><g>0.11</g><g>0.22</g><g>0.33</g></e><f>6.5</f></d><c>43.21</c>"
          "<lunch>apple</lunch><dog pitch=\"11.22\">88.11</dog><dyn/></L>"},
         {"<L><a>&query_item;</a><b>&query_item;</b></L>", "1234 0.1234"},
-        {"&query_changes_item;", "", true},
-        {"<L><b>1.0</b></L>", ""},
-        {"<L><b>&query_item;</b></L>", "1"},
+        {"&query_changes_item;", "", true}, {"<L><b>1.0</b></L>", ""}, {"<L><b>&query_item;</b></L>", "1"},
         {"&query_changes_item;", "<L><b>1</b></L>"},
         {"<L><c> &query_item; 9 &query_item; </c></L>", "43.21 9"},
         {"<L><d><e><g>1</g></e></d> &query_changes_item; </L> ", "<d><e><g>1</g><g>1</g><g>1</g></e></d>", true},
@@ -54,23 +52,16 @@ TEST(Language, ErrorsAreReportedInsideTheReply)
 
 TEST(Language, OnlyAFailureAtTheRootFailsTheStream)
 {
-    struct Row {
-        const char* message;
-        bool fails;
-    } rows[] = {
-        {"<L><a>qwerty</a></L>", false},
-        {"<L><c x=\"1\">5</c></L>", false},
-        {"<attic/>", true},
-        {"<L></M>", true},
-        {"<L attr/>", true},
-        {"< L/>", true},
+    const std::pair<const char*, bool> rows[] = {
+        {"<L><a>qwerty</a></L>", false}, {"<L><c x=\"1\">5</c></L>", false}, {"<attic/>", true}, {"<L></M>", true},
+        {"<L attr/>", true}, {"< L/>", true},
         {"", true},  // reading past the end leaves failbit, as on any stream
     };
-    for (const Row& row : rows) {
+    for (const auto& [message, fails] : rows) {
         TestTree tree;
         bool failed = false;
-        reply(tree, row.message, &failed);
-        EXPECT_EQ(failed, row.fails) << row.message;
+        reply(tree, message, &failed);
+        EXPECT_EQ(failed, fails) << message;
     }
 }
 
@@ -79,8 +70,7 @@ TEST(Language, AttributesArePresentOrAbsent)
     TestTree tree;
     run_table(tree, {
         {"<L><dog &query_item;></dog></L>", "pitch=\"11.22\""},
-        {"<L><dog pitch=\"&query_item;\"/></L>", "11.22"},
-        {"<L><dog sticky/></L>", ""},
+        {"<L><dog pitch=\"&query_item;\"/></L>", "11.22"}, {"<L><dog sticky/></L>", ""},
         {"<L><dog> &query; </dog></L>", "<L><dog sticky>88.11</dog></L>"},
         {"<L><dog &query; /></L>", "<L><dog sticky>88.11</dog></L>"},
         {"<L><dog pitch=\"&query_item;\"/></L>", "&disabled;"},
@@ -89,8 +79,7 @@ TEST(Language, AttributesArePresentOrAbsent)
          "&disabled; 21 pitch=\"21\" sticky"},
         {"<L><dog>&query;</dog></L>", "<L><dog pitch=\"21\" sticky>1234.5</dog></L>"},
         {"<L><dog>2</dog><dog>&query;</dog></L>", "<L><dog>2</dog></L>"},
-        {"<L><dog bark=\"&query_item;\"/></L>", ""},
-        {"<L><dog bark=\"&query_item;\" pitch=\"&query_item;\"/></L>", "&disabled;"},
+        {"<L><dog bark=\"&query_item;\" pitch=\"&query_item;\"/></L>", "&disabled;"},  // unknown ones are skipped
         {"<L><dog bark=\"15\" pitch=\"1\"/></L>", ""},
         {"<L><dog bark=\"14\" pitch=\"&query_item;\"/></L>", "1"},
         {"<L><dog pitch=\"\"/><dog>&query;</dog></L>", "<L><dog pitch=\"1\">2</dog></L>"},
@@ -99,28 +88,11 @@ TEST(Language, AttributesArePresentOrAbsent)
     });
 }
 
-TEST(Language, AChangedAttributeMarksItsOwnerAndTheRoot)
-{
-    TestTree tree;
-    reply(tree, "<L><dog pitch=\"11.22\" sticky/></L>");
-    tree._set_changed(false);
-    tree.pitch.set(3);
-    EXPECT_TRUE(tree.pitch.has_changed());
-    EXPECT_TRUE(tree.dog.has_changed());
-    EXPECT_TRUE(tree.has_changed());
-    EXPECT_FALSE(tree.sticky.has_changed());
-    EXPECT_FALSE(tree.a.has_changed());
-    EXPECT_EQ(reply(tree, "&query_changes;"), "<L><dog pitch=\"3\" sticky>88.11</dog></L>");
-    tree.pitch.set_enabled(false);
-    EXPECT_EQ(reply(tree, "&query_changes;"), "<L><dog sticky>88.11</dog></L>");
-}
-
 TEST(Language, ListsAreReplacedByEachMessage)
 {
     TestTree tree;
     run_table(tree, {
-        {"<L><dyn><val>1.2</val></dyn></L>", ""},
-        {"<L><dyn>&query;</dyn></L>", "<L><dyn><val>1.2</val></dyn></L>"},
+        {"<L><dyn><val>1.2</val></dyn></L>", ""}, {"<L><dyn>&query;</dyn></L>", "<L><dyn><val>1.2</val></dyn></L>"},
         {"<L><dyn><val1>1</val1><val2>2</val2><val3>3</val3></dyn></L>", ""},
         {"<L><dyn>&query_item;</dyn></L>", "<val1>1</val1><val2>2</val2><val3>3</val3>"},
         {"<L><dyn><val>1</val><val>2</val><val>3</val></dyn></L>", ""},
@@ -136,10 +108,14 @@ TEST(Language, ListsAreReplacedByEachMessage)
     });
 }
 
-TEST(Language, TypeTexts)
+// Choices are checked and escaped; doctype queries give the type texts.
+TEST(Language, ChoicesAndTypeTexts)
 {
     TestTree tree;
     run_table(tree, {
+        {"<L><lunch>abc tire</lunch></L>", "<Error Param=\"lunch\">invalid option: abc tire\n</Error>"},
+        {"<L><lunch>apple</lunch></L>", ""},
+        {"&query_changes_item;", ""},  // neither a bad choice nor the same one is a change
         {"<L><lunch>&query_doctype_item;</lunch></L>",
          "{apple|banana|orange|grapes|tire|translate&lt;&gt;&amp;&apos;&quot;}"},
         {"<L><d>&query_doctype_item;</d></L>",
@@ -147,55 +123,8 @@ TEST(Language, TypeTexts)
         {"<L><dyn>&query_doctype;</dyn></L>", "<L><dyn/></L>"},
         {"<L><dog>&query_doctype;</dog></L>", "<L><dog pitch=\"{float:11.22}\" sticky>{float:88.11}</dog></L>"},
     });
-}
-
-TEST(Language, ChoicesAreEscapedUnlessNoTranslation)
-{
-    TestTree tree;
-    EXPECT_EQ(reply(tree, "<L><lunch>abc tire</lunch></L>"),
-              "<Error Param=\"lunch\">invalid option: abc tire\n</Error>");
-    EXPECT_FALSE(tree.lunch.has_changed());
-    EXPECT_EQ(reply(tree, "<L><lunch>apple</lunch></L>"), "");
-    EXPECT_FALSE(tree.lunch.has_changed());
     tree.lunch.set(5);
     EXPECT_EQ(reply(tree, "<L><lunch>&query_item;</lunch></L>"), "translate&lt;&gt;&amp;&apos;&quot;");
-    tree.lunch.set_no_translation(true);
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    tree.lunch.configuration_noparent(out);
-    EXPECT_EQ(out.str(), "<lunch>translate<>&'\"</lunch>");
-}
-
-TEST(Language, LockedNodesReportAndStillRead)
-{
-    TestTree tree;
-    tree._set_locked(true);
-    EXPECT_EQ(reply(tree, "<L><a>5</a></L>"), "<Error Param=\"a\">Configuration is locked</Error>");
-    EXPECT_EQ(tree.a.get(), 5);
-}
-
-TEST(Language, ThrowOnErrorMode)
-{
-    struct Row {
-        const char* message;
-        const char* what;
-    } rows[] = {
-        {"<L><a>qwerty</a></L>", "XML error in item \"a\": unable to read float"},
-        {"<L><b>&query_junk;</b></L>", "XML error in item \"b\": Invalid query: &query_junk;"},
-        {"<M/>", "XML error in item \"L\": Invalid start element: M"},
-        {"<L><lunch>pear</lunch></L>", "XML error in item \"lunch\": invalid option: pear\n"},
-        {"<L><dog pitch=\"x\"/></L>", "XML error in item \"pitch\": unable to read float"},
-    };
-    for (const Row& row : rows) {
-        TestTree tree;
-        tree._set_throw_on_error(true);
-        try {
-            reply(tree, row.message);
-            ADD_FAILURE() << "no exception for " << row.message;
-        } catch (const Configurable::Error& e) {
-            EXPECT_STREQ(e.what(), row.what);
-        }
-    }
 }
 
 TEST(Language, OutputEntryPoints)
@@ -218,4 +147,100 @@ TEST(Language, OutputEntryPoints)
               "\n<d>\n\t<e>\n\t\t<g>0.11</g>\n\t\t<g>0.22</g>\n\t\t<g>0.33</g>\n\t</e>\n\t<f>6.5</f>\n</d>");
 }
 
+// Records the walk as one line of words.
+struct Recorder : ConfigurableVisitor {
+    bool enter = false;
+    std::string log;
+
+    void VisitConfigurable(Configurable& c) override { log += "node:" + c.name() + " "; }
+    bool VisitAttributesBegin() override { return log += "[ ", enter; }
+    void VisitAttributesEnd() override { log += "] "; }
+    void VisitConfigurableCompositeBegin(ConfigurableComposite& c) override { log += c.name() + "{ "; }
+    void VisitConfigurableCompositeEnd(ConfigurableComposite& c) override { log += "}" + c.name() + " "; }
+    void VisitConfigurableFloat(ConfigurableFloat& c) override { log += "float:" + c.name() + " "; }
+    void VisitConfigurableMultipleChoice(ConfigurableMultipleChoice& c) override { log += "choice:" + c.name() + " "; }
+};
+
+TEST(Visitor, WalksEveryChildAndAttributesOnlyOnRequest)
+{
+    TestTree tree;
+    const std::string inner =
+        "L{ float:a float:b d{ e{ float:g float:g float:g }e float:f float:GG }d float:c choice:lunch float:dog ";
+    Recorder closed, open;
+    tree.do_accept(closed);
+    tree.do_accept_attributes(closed);
+    EXPECT_EQ(closed.log, inner + "[ ] dyn{ }dyn }L ");
+
+    open.enter = true;
+    tree.do_accept(open);
+    EXPECT_EQ(open.log, inner + "[ float:pitch node:sticky ] dyn{ }dyn }L ");
+}
+
+// Marks go up to the root, from attributes too; clearing goes down to every child and attribute.
+TEST(Changes, MarksAndDefaults)
+{
+    TestTree tree;
+    auto changed = [&tree] {
+        std::string names;
+        for (Configurable* c : std::initializer_list<Configurable*>{&tree, &tree.d, &tree.e, &tree.g1, &tree.g2,
+                                                                    &tree.GG, &tree.dog, &tree.pitch, &tree.sticky})
+            names += c->has_changed() ? c->name() + " " : "";
+        return names;
+    };
+    EXPECT_EQ(changed(), "");
+    tree.g2.set(5);
+    EXPECT_EQ(changed(), "L d e g ");
+    EXPECT_EQ(tree.g2.change_count(), 1u);
+    tree.e._set_changed(false);
+    EXPECT_EQ(changed(), "L d ");  // a parent stays changed when a child is cleared
+    tree.g2.set(5);                // the same value changes nothing
+    EXPECT_EQ(changed(), "L d ");
+
+    tree.GG.set(2);
+    tree.sticky._set_changed(true);
+    tree._set_changed(false);
+    EXPECT_EQ(changed(), "");
+    tree.pitch.set(3);
+    EXPECT_EQ(changed(), "L dog pitch ");
+    tree.c.set(1);  // a query only reads the marks
+    EXPECT_EQ(reply(tree, "&query_changes;"), "<L><c>1</c><dog pitch=\"3\">88.11</dog></L>");
+    EXPECT_EQ(reply(tree, "&query_changes;"), "<L><c>1</c><dog pitch=\"3\">88.11</dog></L>");
+    tree.pitch.set_enabled(false);
+    EXPECT_EQ(reply(tree, "&query_changes;"), "<L><c>1</c><dog>88.11</dog></L>");
+
+    // Defaults reach only enabled children; a default list is empty, which is a change.
+    TestTree other;
+    for (TestTree* t : {&tree, &other})
+        reply(*t, "<L><dyn><v>1</v><w>3</w></dyn></L>");
+    EXPECT_TRUE(other.dyn._is_composite_same(tree.dyn));
+    tree.a.set(1);
+    tree._set_changed(false);
+    tree.set_to_default();
+    EXPECT_EQ(tree.a.get(), 1234);
+    EXPECT_EQ(tree.GG.get(), 2);
+    EXPECT_TRUE(tree.dyn.children().empty() && tree.dyn.has_changed());
+    EXPECT_FALSE(other.dyn._is_composite_same(tree.dyn));
+}
+
 }  // namespace
+
+// Lookups remember where they stopped and whether names are shared; both must follow the children.
+TEST(Composite, LookupsFollowTheChildren)
+{
+    ConfigurableComposite root("r");
+    ConfigurableFloat x("x", 1), y("y", 2), z("z", 3), y2("y", 4);
+    for (ConfigurableFloat* child : {&x, &y, &z})
+        root.add(*child);
+    for (const char* name : {"z", "x", "y", "y", "w", "x"}) {
+        Configurable* found = root.lookup(name);
+        EXPECT_EQ(found ? found->name() : "", std::string(name) == "w" ? "" : name);
+    }
+    root.lookup("z");
+    root.add(y2);  // now shared: the first y comes first, the second one next
+    auto first = root.lookup_first("y");
+    ASSERT_EQ(*first, &y);
+    auto next = root.lookup_next(first, "y");
+    ASSERT_EQ(*next, &y2);
+    EXPECT_EQ(root.lookup_next(next, "y"), root.children().end());
+    EXPECT_EQ(*root.lookup_next(root.children().begin(), "z"), &z);
+}

@@ -1,7 +1,6 @@
 #pragma once
-// The tree the language tables run on: root L with floats a and b, d/e with three g, f and a
-// disabled GG, c, the choice lunch, dog with the attribute pitch and the bare attribute sticky,
-// and the float list dyn.
+// The tree the tables run on: root L with floats a and b, d/e with three g, f and a disabled GG, c,
+// the choice lunch, dog with the attribute pitch and the bare attribute sticky, and the float list dyn.
 
 #include <sstream>
 #include <string>
@@ -22,11 +21,7 @@ public:
 
 protected:
     ConfigurableFloat* _create(const std::string& name) override { return new ConfigurableFloat(name, 0); }
-    void _copy(ConfigurableFloat& to, const ConfigurableFloat& from) override
-    {
-        to.set(from.get());
-        to.set_flags(from.flags());
-    }
+    void _copy(ConfigurableFloat& to, const ConfigurableFloat& from) override { to.set(from.get()); }
     bool _is_same(const ConfigurableFloat& a, const ConfigurableFloat& b) const override
     {
         return a.name() == b.name() && a.get() == b.get();
@@ -45,23 +40,16 @@ struct TestTree : ConfigurableComposite {
 
     TestTree() : ConfigurableComposite("L")
     {
-        add(a);
-        add(b);
-        e.add(g1);
-        e.add(g2);
-        e.add(g3);
-        d.add(e);
-        d.add(f);
-        d.add(GG);
+        for (ConfigurableFloat* g : {&g1, &g2, &g3})
+            e.add(*g);
+        for (Configurable* child : std::initializer_list<Configurable*>{&e, &f, &GG})
+            d.add(*child);
         GG.set_enabled(false);
-        add(d);
-        add(c);
-        add(lunch);
         dog.add_attribute(pitch);
         dog.add_attribute(sticky);
         sticky.set_enabled(false);
-        add(dog);
-        add(dyn);
+        for (Configurable* child : std::initializer_list<Configurable*>{&a, &b, &d, &c, &lunch, &dog, &dyn})
+            add(*child);
         _set_changed(false);
     }
 };

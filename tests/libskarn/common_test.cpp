@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <functional>
 #include <ctime>
-#include <limits>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -34,11 +33,9 @@ struct Root : ConfigurableComposite {
     ConfigFactoryLightSource factory_lightsource;
     Root() : ConfigurableComposite("L")
     {
-        add(clock);
-        add(network);
-        add(lightsource);
         factory.add(factory_lightsource);
-        add(factory);
+        for (Configurable* section : std::initializer_list<Configurable*>{&clock, &network, &lightsource, &factory})
+            add(*section);
     }
 };
 
@@ -64,25 +61,28 @@ Model plain(const std::string& file, const std::string& tag)
     return {file, tag, [] { return std::make_unique<Doc>(); }, nullptr, nullptr};
 }
 
+/// ... that is served as the instrument serves it.
+template <class Doc>
+Model served(const std::string& file, const std::string& tag)
+{
+    Model m = plain<Doc>(file, tag);
+    m.serve = [](ConfigurableComposite& doc, const std::string& text) { return serve(static_cast<Doc&>(doc), text); };
+    return m;
+}
+
+/// ... that knows whether its configuration changed.
 template <class Doc>
 Model model(const std::string& file, const std::string& tag)
 {
-    Model m = plain<Doc>(file, tag);
+    Model m = served<Doc>(file, tag);
     m.config_changed = [](ConfigurableComposite& doc) { return static_cast<Doc&>(doc).Conf().IsConfigChanged(); };
-    m.serve = [](ConfigurableComposite& doc, const std::string& message) {
-        std::istringstream in(message);
-        std::ostringstream out;
-        Configurable::set_compact(out, true);
-        static_cast<Doc&>(doc).configure_and_send_events(in, out);
-        return out.str();
-    };
     return m;
 }
 
 const Model tolvan = model<DocTolvan>("tolvan", "tolvan"), morvik = plain<DocMorvik>("morvik", "morvik"),
             dravik = model<DocDravik>("dravik", "dravik"), quenta = model<DocQuenta>("quenta", "quenta"),
             halden = model<DocHalden>("halden", "halden"), bremmel = model<DocBremmel>("bremmel", "bremmel"),
-            ostrel = plain<DocOstrel>("ostrel", "ost");
+            ostrel = served<DocOstrel>("ostrel", "ost");
 
 TEST(Documents, FreshDocumentsMatchGoldenReplies)
 {
@@ -93,6 +93,38 @@ TEST(Documents, FreshDocumentsMatchGoldenReplies)
         ASSERT_FALSE(query.empty() || doctype.empty()) << m->file;
         EXPECT_EQ(reply(*doc, "<arvex>&query;</arvex>"), query) << m->file;
         EXPECT_EQ(reply(*doc, "<arvex>&query_doctype;</arvex>"), doctype) << m->file;
+    }
+}
+
+// Messages for another model, read-only values and commands leave a fresh document as it was.
+TEST(Documents, MessagesThatChangeNothing)
+{
+    const struct {
+        const Model* model;
+        const char *message, *answer;
+    } rows[] = {
+        // A Sarnel link still speaks "morvik"; the other model tag is unknown.
+        {&morvik, "<arvex><sarnel><name>x</name></sarnel></arvex>", ""},
+        {&morvik, "<arvex><tolvan><name>x</name></tolvan></arvex>", ""},
+        {&morvik, "<arvex><morvik><cpld><ver>1.2</ver></cpld></morvik></arvex>", ""},  // no cpld on the wire
+        {&morvik, "<arvex><morvik><output><rate>2</rate></output></morvik></arvex>", ""},
+        {&morvik, "<arvex><morvik><ack>false</ack><error>oops</error></morvik></arvex>", ""},
+        {&morvik, "<arvex><morvik><serialnumber>ch4-base-0001</serialnumber></morvik></arvex>", ""},
+        {&morvik, "<sarnel><morvik><name>x</name></morvik></sarnel>",
+         "<Error Param=\"arvex\">Invalid start element: sarnel</Error>"},
+        {&ostrel, "<arvex><ost><cmd><reboot>true</reboot></cmd></ost></arvex>", ""},  // commands go back to false
+        {&ostrel, "<arvex><ost><ack>false</ack><error>x</error><name>n</name>"
+                  "<serialnumber>s</serialnumber></ost></arvex>", ""},
+        {&ostrel, "<arvex><ostrel><flow>1</flow></ostrel></arvex>", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        reset_zones();
+        auto doc = row.model->make();
+        doc->_set_changed(false);
+        EXPECT_EQ(row.model->serve ? row.model->serve(*doc, row.message) : reply(*doc, row.message), row.answer);
+        EXPECT_FALSE(doc->has_changed());
+        EXPECT_EQ(reply(*doc, "<arvex>&query;</arvex>"), golden(row.model->file + "_query.txt"));
     }
 }
 
@@ -110,8 +142,7 @@ TEST(Documents, IsConfigChangedCountsSettingsOnly)
         {&tolvan, "<factory><cmd><commit>true</commit></cmd></factory>", true},  // the factory section changed
         {&tolvan, "<output><status>true</status></output>", true},
         {&tolvan, "<box><usb><zip>true</zip></usb></box>", true},
-        {&tolvan, "<cfg><sdmaddress>3</sdmaddress></cfg>", true},
-        {&tolvan, "<cal><ch4zero>0.1</ch4zero></cal>", true},
+        {&tolvan, "<cfg><sdmaddress>3</sdmaddress></cfg>", true}, {&tolvan, "<cal><ch4zero>0.1</ch4zero></cal>", true},
         {&tolvan, "<factory><dither>5</dither></factory>", true}, {&tolvan, "<ver>1.2</ver>", true},
         {&tolvan, "<name>ch4-0007</name>", true}, {&tolvan, "<ipaddress>10.0.0.9</ipaddress>", true},
         {&dravik, "<fpga>2.0</fpga><dsp>3.0</dsp><cmd><poll>true</poll></cmd><run><runnow>go</runnow>"
@@ -125,6 +156,7 @@ TEST(Documents, IsConfigChangedCountsSettingsOnly)
         {&quenta, "<cal><zero>3</zero></cal><output><status>true</status></output><cmd><reboot>true</reboot></cmd>",
          false},
         {&quenta, "<cfg><head>dravik-0042</head></cfg>", true},
+        {&quenta, "<cfg><gpio><ch1_pullup>on</ch1_pullup></gpio></cfg>", true},  // its own tag, not the label's
         {&quenta, "<factory><humidifier><low>40</low></humidifier></factory>", true},
         {&quenta, "<ver>2.1.0</ver>", true}, {&quenta, "<name>console</name>", true},
         {&quenta, "<ipaddress>10.0.0.2</ipaddress>", true},
@@ -192,33 +224,22 @@ TEST(Documents, CommandsLastOneMessage)
 
 // --- ConfigIPAddress ---
 
-TEST(IPAddress, ReadsAddressesAndReportsText)
+// Bad text is reported and leaves the address as it was, and the section goes on; only a real change marks.
+TEST(IPAddress, ReadsAndChanges)
 {
-    const struct {
-        const char* text;
-        bool good;
-    } rows[] = {{"10.0.0.7", true},   {"fe80::1", true},   {"192.168.1.95", true}, {"300.1.1.1", false},
-                {"fe80::g", false},   {"gateway", false},  {"1.2.3.4.5", false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
+    const std::pair<const char*, bool> rows[] = {{"10.0.0.7", true}, {"fe80::1", true}, {"192.168.1.95", true},
+                                                 {"300.1.1.1", false}, {"fe80::g", false}, {"gateway", false},
+                                                 {"1.2.3.4.5", false}};
+    for (const auto& [text, good] : rows) {
+        SCOPED_TRACE(text);
         ConfigCfgNetwork network;
-        EXPECT_EQ(reply(network, std::string("<network><ipaddress>") + row.text + "</ipaddress></network>"),
-                  row.good ? "" : "<Error Param=\"ipaddress\">unable to read IP address\n</Error>");
-        EXPECT_EQ(network.Ipaddress().get().Presentation(), row.good ? row.text : "192.168.1.95");
+        EXPECT_EQ(reply(network, std::string("<network><ipaddress>") + text +
+                                     "</ipaddress><netmask>255.0.0.0</netmask></network>"),
+                  good ? "" : "<Error Param=\"ipaddress\">unable to read IP address\n</Error>");
+        EXPECT_EQ(network.Ipaddress().get().Presentation(), good ? text : "192.168.1.95");
+        EXPECT_EQ(network.Netmask().get().Presentation(), "255.0.0.0");
     }
-}
 
-TEST(IPAddress, BadAddressDoesNotStopTheSection)
-{
-    ConfigCfgNetwork network;
-    EXPECT_EQ(reply(network, "<network><gateway>x</gateway><netmask>255.0.0.0</netmask></network>"),
-              "<Error Param=\"gateway\">unable to read IP address\n</Error>");
-    EXPECT_EQ(network.Netmask().get().Presentation(), "255.0.0.0");
-    EXPECT_EQ(network.Gateway().get().Presentation(), "192.168.1.1");
-}
-
-TEST(IPAddress, SetMarksOnlyARealChange)
-{
     ConfigCfgNetwork network;
     network._set_changed(false);
     network.Ipaddress().set(SocketAddress("192.168.1.95"));
@@ -226,11 +247,8 @@ TEST(IPAddress, SetMarksOnlyARealChange)
     network.Ipaddress().set(SocketAddress("192.168.1.96"));
     EXPECT_TRUE(network.has_changed());
     EXPECT_EQ(network.Ipaddress().change_count(), 1u);
-
     network._set_changed(false);
     network.set_to_default();
-    EXPECT_TRUE(network.Ipaddress().has_changed());
-    EXPECT_FALSE(network.Netmask().has_changed());
     EXPECT_EQ(query(network, "&query_changes;"), "<network><ipaddress>192.168.1.95</ipaddress></network>");
 }
 
@@ -261,7 +279,8 @@ TEST_F(Timezone, DescriptorReplacesTheListOfEveryDocument)
     EXPECT_EQ(first.clock.Zone().get_str(), "Europe/Oslo");
 }
 
-TEST_F(Timezone, ShorterListLeavesNoDanglingZone)
+// A shorter list leaves no dangling zone; an empty one takes nothing.
+TEST_F(Timezone, ShorterOrEmptyList)
 {
     Root root;
     reply(root, "<L><clock><zone>{UTC|A|B}</zone></clock></L>");
@@ -272,67 +291,22 @@ TEST_F(Timezone, ShorterListLeavesNoDanglingZone)
               "<L><clock><time>00:00:00</time><date>1970-01-01</date><zone/><ptp>auto</ptp></clock></L>");
     root.clock.Zone().set_str("UTC");
     EXPECT_EQ(root.clock.Zone().get_str(), "UTC");
-}
 
-TEST_F(Timezone, EmptyListIgnoresEverything)
-{
-    ConfigTimezone zone;
-    std::istringstream in("");
-    std::ostringstream err;
-    zone.read_doctype(in, err);
-    EXPECT_TRUE(zone.choices().empty());
-    zone.set_str("UTC");
-    zone.set_str("");
-    EXPECT_EQ(zone.get_str(), "");
-    EXPECT_EQ(err.str(), "");
-}
-
-// --- Shared choices ---
-
-TEST(SharedChoices, RateFollowsItsParallelIntegers)
-{
-    static const std::vector<std::string> texts{"0", "1", "2", "5", "10"};
-    static const std::vector<int> rates{0, 1, 2, 5, 10};
-    ConfigRate rate(texts, rates, 2);
-    EXPECT_EQ(rate.get_rate(), 2);
-    EXPECT_EQ(reply(rate, "<rate>10</rate>"), "");
-    EXPECT_EQ(rate.get_rate(), 10);
-    EXPECT_EQ(reply(rate, "<rate>3</rate>"), "<Error Param=\"rate\">invalid option: 3\n</Error>");
-    EXPECT_EQ(rate.get_rate(), 10);
+    EXPECT_EQ(reply(root, "<L><clock><zone>{}</zone></clock></L>"), "");
+    EXPECT_TRUE(root.clock.Zone().choices().empty());
+    root.clock.Zone().set_str("UTC");
+    EXPECT_EQ(root.clock.Zone().get_str(), "");
 }
 
 // --- ConfigCfgClock ---
 
 /// Runs a test body under a given TZ and puts the old one back.
-class LocalZone {
-public:
-    explicit LocalZone(const char* tz) : _old(std::getenv("TZ") ? std::getenv("TZ") : ""), _had(std::getenv("TZ"))
-    {
-        setenv("TZ", tz, 1);
-        tzset();
-    }
-    ~LocalZone()
-    {
-        _had ? setenv("TZ", _old.c_str(), 1) : unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    std::string _old;
-    bool _had;
+struct LocalZone {
+    const bool had = std::getenv("TZ") != nullptr;
+    const std::string old = had ? std::getenv("TZ") : "";
+    explicit LocalZone(const char* tz) { setenv("TZ", tz, 1), tzset(); }
+    ~LocalZone() { had ? setenv("TZ", old.c_str(), 1) : unsetenv("TZ"), tzset(); }
 };
-
-TEST(Clock, TimeDateWritesZeroFilledText)
-{
-    LocalZone zone("UTC0");
-    ConfigCfgClock clock;
-    clock.TimeDate(981173106);  // 2001-02-03 04:05:06 UTC
-    EXPECT_EQ(clock.Date().get(), "2001-02-03");
-    EXPECT_EQ(clock.Time().get(), "04:05:06");
-    EXPECT_EQ(clock.TimeDate(), 981173106);
-    clock.TimeDate(0);
-    EXPECT_EQ(query(clock), "<clock><time>00:00:00</time><date>1970-01-01</date><zone>UTC</zone><ptp>auto</ptp></clock>");
-}
 
 TEST(Clock, TimeDateRoundTripsThroughDaylightSaving)
 {
@@ -355,7 +329,7 @@ TEST(Clock, TimeDateRoundTripsThroughDaylightSaving)
     }
 }
 
-TEST(Clock, TimeDateChecksOnlyTheSeparators)
+TEST(Clock, TimeDateChecksOnlyTheSeparatorsAndWritesZeroFilled)
 {
     LocalZone zone("UTC0");
     struct Row {
@@ -390,6 +364,13 @@ TEST(Clock, TimeDateChecksOnlyTheSeparators)
             EXPECT_STREQ(e.what(), row.error);
         }
     }
+
+    // Times are written zero-filled.
+    ConfigCfgClock clock;
+    clock.TimeDate(981173106);  // 2001-02-03 04:05:06 UTC
+    EXPECT_EQ(query(clock),
+              "<clock><time>04:05:06</time><date>2001-02-03</date><zone>UTC</zone><ptp>auto</ptp></clock>");
+    EXPECT_EQ(clock.TimeDate(), 981173106);
 }
 
 // --- Light source ---
@@ -410,7 +391,6 @@ TEST(Units, IncomingUnitsChangeNothing)
     const char* messages[] = {
         "<L><lightsource><Q_setpoint units=\"mg\">5</Q_setpoint></lightsource></L>",
         "<L><lightsource><Q_setpoint units>5</Q_setpoint></lightsource></L>",
-        "<L><lightsource><Q_setpoint units=\"\">5</Q_setpoint></lightsource></L>",
     };
     for (const char* message : messages) {
         SCOPED_TRACE(message);
@@ -418,8 +398,6 @@ TEST(Units, IncomingUnitsChangeNothing)
         root._set_changed(false);
         EXPECT_EQ(reply(root, message), "");
         EXPECT_EQ(root.lightsource.Q_setpoint().get(), 5);
-        EXPECT_EQ(reply(root, "<L><lightsource><Q_setpoint>&query;</Q_setpoint></lightsource></L>"),
-                  "<L><lightsource><Q_setpoint>5</Q_setpoint></lightsource></L>");
         EXPECT_EQ(reply(root, "<L><lightsource>&query_changes;</lightsource></L>"),
                   "<L><lightsource><Q_setpoint>5</Q_setpoint></lightsource></L>");
     }

@@ -19,6 +19,17 @@ inline std::string reply(Configurable& node, const std::string& message)
     return out.str();
 }
 
+/// Serves one message as the instrument does (commands reset, events sent) and returns the reply.
+template <class Doc>
+std::string serve(Doc& doc, const std::string& message)
+{
+    std::istringstream in(message);
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    doc.configure_and_send_events(in, out);
+    return out.str();
+}
+
 /// A message to the model tagged `model`: <arvex><model>body</model></arvex>.
 inline std::string envelope(const std::string& model, const std::string& body)
 {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "libskarn/doctolvan.h"
@@ -12,8 +12,6 @@
 namespace {
 
 using CleanDoc = Clean<DocTolvan>;
-
-// --- the tree as printed ---
 
 TEST(TolvanDocument, SerialnumberFollowsTheFactorySection)
 {
@@ -24,8 +22,6 @@ TEST(TolvanDocument, SerialnumberFollowsTheFactorySection)
     EXPECT_EQ(reply(doc, envelope("tolvan", "<serialnumber>&query;</serialnumber>")),
               envelope("tolvan", "<serialnumber>ch4-0042</serialnumber>"));
 }
-
-// --- leaves: bounds, choices, blocked columns ---
 
 TEST(TolvanLeaves, OnlyTemprangeCountsTheValueItHoldsAsAChange)
 {
@@ -41,8 +37,6 @@ TEST(TolvanLeaves, OnlyTemprangeCountsTheValueItHoldsAsAChange)
         EXPECT_EQ(doc.has_changed(), changed) << message;
     }
 }
-
-// --- box data ---
 
 TEST(TolvanBoxData, TimeAndChecksumColumnsCannotBeSwitchedOff)
 {
@@ -61,66 +55,6 @@ TEST(TolvanBoxData, TimeAndChecksumColumnsCannotBeSwitchedOff)
         }
     }
 }
-
-TEST(TolvanBoxData, OnlyTheUsbLogHasDateAndTime)
-{
-    CleanDoc doc;
-    ConfigBox& box = doc.Conf().Box();
-    EXPECT_EQ(reply(doc, envelope("tolvan", "<box><output><data><date>true</date><time>true</time></data></output></box>")), "");
-    EXPECT_FALSE(doc.has_changed());
-    EXPECT_FALSE(box.Output().Data().Date().get());
-
-    reply(doc, envelope("tolvan", "<box><usb><data><date>false</date></data></usb></box>"));
-    EXPECT_TRUE(box.Usb().Data().has_changed());
-    EXPECT_FALSE(box.Usb().Data().Date().get());
-    EXPECT_TRUE(box.Usb().Data().Time().get());
-}
-
-TEST(TolvanBoxData, TrueSetNamesTheColumnsThatAreOn)
-{
-    std::set<std::string> columns{"LEFTOVER"};
-    auto has = [&columns](std::initializer_list<const char*> names, size_t expected) {
-        for (const char* name : names)
-            EXPECT_EQ(columns.count(name), expected) << name;
-    };
-    ConfigBoxData output(false);
-    output.GetTrueSet(columns);
-    EXPECT_EQ(columns.size(), 21u);
-    has({"MSEC", "DATE", "TIME", "LEFTOVER"}, 0);
-    has({"SECONDS", "NANOSECONDS", "CH4", "CH4D", "AUX1", "AUX8", "AUXTC3", "CHK"}, 1);
-
-    ConfigBoxData usb(true);
-    usb.GetTrueSet(columns);
-    EXPECT_EQ(columns.size(), 23u);
-    has({"DATE"}, 1);
-    has({"MSEC"}, 0);
-
-    // date is looked at even where it is no child.
-    output.Date().set(true);
-    output.Msec().set(true);
-    output.Ch4().set(false);
-    output.GetTrueSet(columns);
-    EXPECT_EQ(columns.size(), 22u);
-    has({"DATE", "MSEC", "CH4D"}, 1);
-    has({"CH4"}, 0);
-}
-
-// --- cfg ---
-
-TEST(TolvanCfg, AMessageReachesTheNumberedSectionItNames)
-{
-    DocTolvan doc;
-    ConfigCfg& cfg = doc.Conf().Cfg();
-    reply(doc, envelope("tolvan", "<cfg><aux7><type>linear-rt</type><a3>2.5</a3></aux7><dac5><src>set</src><set>1.25</set></dac5></cfg>"));
-    EXPECT_EQ(cfg.Aux(7).Type().get_string(), "linear-rt");
-    EXPECT_FLOAT_EQ(cfg.Aux(7).A3().get(), 2.5f);
-    EXPECT_FLOAT_EQ(cfg.Aux(6).A3().get(), 0);
-    EXPECT_EQ(cfg.Dac(5).Src().get_string(), "set");
-    EXPECT_FLOAT_EQ(cfg.Dac(5).Set().get(), 1.25f);
-    EXPECT_FLOAT_EQ(cfg.Dac(4).Set().get(), 0);
-}
-
-// --- model ---
 
 // --- calibration history ---
 
@@ -143,6 +77,7 @@ std::vector<std::string> summary(const ConfigCalHistory& history)
     return rows;
 }
 
+// The last record of each kind at its time is kept, span first; kinds match by containing, times exactly.
 TEST(TolvanCalHistory, ClearOldRecordsKeepsTheLastMatchOfEachKindSpanFirst)
 {
     ConfigCalHistory history;
@@ -156,19 +91,15 @@ TEST(TolvanCalHistory, ClearOldRecordsKeepsTheLastMatchOfEachKindSpanFirst)
     EXPECT_EQ(summary(history), (std::vector<std::string>{"200 CH4 Span 0.2", "100 CH4 Zero 0.3"}));
     for (Configurable* child : history.children())
         EXPECT_EQ(child->parent(), &history);
-}
 
-TEST(TolvanCalHistory, ClearOldRecordsMatchesTypesByContainingAndTimesExactly)
-{
-    ConfigCalHistory history;
-    add_record(history, 50, "manual CH4 Span (gas 2 ppm)", 0.7f);
-    add_record(history, 60, "auto CH4 Zero", 0.8f);
-    add_record(history, 60.0001, "CH4 Zero", 0.9f);
-    history.ClearOldRecords(Timestamp(60), Timestamp(50));
-    EXPECT_EQ(summary(history), (std::vector<std::string>{"50 manual CH4 Span (gas 2 ppm) 0.7", "60 auto CH4 Zero 0.8"}));
-
-    history.ClearOldRecords(Timestamp(1), Timestamp(2));
-    EXPECT_TRUE(history.children().empty());
+    ConfigCalHistory other;
+    add_record(other, 50, "manual CH4 Span (gas 2 ppm)", 0.7f);
+    add_record(other, 60, "auto CH4 Zero", 0.8f);
+    add_record(other, 60.0001, "CH4 Zero", 0.9f);
+    other.ClearOldRecords(Timestamp(60), Timestamp(50));
+    EXPECT_EQ(summary(other), (std::vector<std::string>{"50 manual CH4 Span (gas 2 ppm) 0.7", "60 auto CH4 Zero 0.8"}));
+    other.ClearOldRecords(Timestamp(1), Timestamp(2));
+    EXPECT_TRUE(other.children().empty());
 }
 
 TEST(TolvanCalHistory, CalClearsWithItsOwnLastTimes)
@@ -186,18 +117,6 @@ TEST(TolvanCalHistory, CalClearsWithItsOwnLastTimes)
     auto& kept = static_cast<ConfigCalRecord&>(*cal.History().children().front());
     EXPECT_FLOAT_EQ(kept.Ch4zero().get(), 0.25f);
     EXPECT_EQ(kept.name(), "record");
-}
-
-TEST(TolvanCalHistory, AMessageReplacesTheWholeList)
-{
-    DocTolvan doc;
-    ConfigCalHistory& history = doc.Conf().Cal().History();
-    add_record(history, 1, "CH4 Zero", 0);
-    add_record(history, 2, "CH4 Zero", 0);
-    reply(doc, envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type></record></history></cal>"));
-    EXPECT_EQ(reply(doc, envelope("tolvan", "<cal><history>&query;</history></cal>")),
-              envelope("tolvan", "<cal><history><record><time>2021-01-01 00:00:00</time><type>CH4 Span</type>"
-                                 "<ch4zero>0</ch4zero><ch4span>1</ch4span></record></history></cal>"));
 }
 
 TEST(TolvanCalHistory, RecordsAreTheSameByTimeAlone)
@@ -218,13 +137,9 @@ TEST(TolvanCalHistory, CopiesCarryValuesAndName)
     original.Ch4zero().set(0.5f);
 
     ConfigCalRecord copy(original);
-    EXPECT_EQ(copy.name(), "step");
-    EXPECT_DOUBLE_EQ(copy.Time().get().get(), 42);
-    EXPECT_EQ(copy.Type().get(), "CH4 Span");
-    EXPECT_FLOAT_EQ(copy.Ch4zero().get(), 0.5f);
-    EXPECT_FLOAT_EQ(copy.Ch4span().get(), 1.5f);
-    EXPECT_TRUE(copy.Ch4zero().has_changed());
-    EXPECT_FALSE(copy.Ch4span().has_changed());
+    EXPECT_EQ(std::make_tuple(copy.name(), copy.Time().get().get(), copy.Type().get(), copy.Ch4zero().get(),
+                              copy.Ch4span().get(), copy.Ch4zero().has_changed(), copy.Ch4span().has_changed()),
+              std::make_tuple("step", 42.0, "CH4 Span", 0.5f, 1.5f, true, false));
 
     ConfigCalHistory a, b;
     add_record(b, 7, "CH4 Zero", 0.7f);
@@ -297,11 +212,7 @@ struct Recorder : DocTolvanListener {
 std::vector<std::string> serve(CleanDoc& doc, Recorder& recorder, const std::string& body)
 {
     doc.SetListener(&recorder);
-    std::istringstream in(envelope("tolvan", body));
-    std::ostringstream out;
-    Configurable::set_compact(out, true);
-    doc.configure_and_send_events(in, out);
-    EXPECT_EQ(out.str(), "") << body;
+    EXPECT_EQ(serve(doc, envelope("tolvan", body)), "") << body;
     return recorder.calls;
 }
 
@@ -309,11 +220,11 @@ using Calls = std::vector<std::string>;
 
 TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
 {
+    const Calls span{"OnCalChanged", "OnCH4Span 2.5"};
     const std::pair<const char*, Calls> cases[] = {
         {"", {}}, {"<output><status>true</status><dataclocksync>true</dataclocksync></output>", {}},
         {"<output><rate>10</rate></output>", {"OnRate 10", "OnConfigChanged"}},
-        {"<box><usb><zip>true</zip></usb></box>", {"OnConfigChanged"}},
-        {"<cal><ch4span>1.1</ch4span></cal>", {"OnCalChanged"}},
+        {"<box><usb><zip>true</zip></usb></box>", {"OnConfigChanged"}}, {"<cal><ch4span>1.1</ch4span></cal>", {"OnCalChanged"}},
         {"<cfg><temprange>high</temprange></cfg>", {"OnTempRange 1", "OnConfigChanged"}},
         {"<cfg><heater><top><heaterpower>50</heaterpower><deltat>1.5</deltat></top></heater></cfg>",
          {"OnTopHeater 50 0 0 0 1.5", "OnConfigChanged"}},
@@ -324,15 +235,17 @@ TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
         {"<cfg><linelock><lasercooler><control>manual</control><temp>30.5</temp></lasercooler></linelock></cfg>",
          {"OnLineLockChanged 1 0 1 0 30.5 22"}},
         {"<cfg><clock><ptp>preferred</ptp></clock></cfg>", {"OnPTP 2"}},
+        {"<factory><dither>5</dither></factory>", {"OnFactoryChanged"}},
         {"<cfg><network><configuration>manual</configuration><ipaddress>10.0.0.2</ipaddress></network></cfg>",
          {"OnNetwork ch4-xxxx manual 10.0.0.2 255.255.255.0 192.168.1.1"}},
         {"<cfg><aux3><type>steinhart</type><a2>0.5</a2></aux3></cfg>", {"OnAux 3 1 0 1 0.5 0", "OnConfigChanged"}},
-        {"<cfg><dac4><low>1</low></dac4></cfg>", {"OnConfigChanged"}},
-        {"<cfg><sdmaddress>2</sdmaddress></cfg>", {}},
-        {"<factory><dither>5</dither></factory>", {"OnFactoryChanged"}},
+        {"<cfg><dac4><low>1</low></dac4></cfg>", {"OnConfigChanged"}}, {"<cfg><sdmaddress>2</sdmaddress></cfg>", {}},
         {"<factory><cmd><rollback>true</rollback><commit>true</commit></cmd></factory>",
          {"OnFactoryCommit", "OnFactoryRollback", "OnFactoryChanged"}},
         {"<cmd><poll>false</poll></cmd>", {}}, {"<cpld><ver>3</ver></cpld>", {}},
+        // The span gets the concentration of the same message, wherever it stands.
+        {"<cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>", span},
+        {"<cmd><ch4span>true</ch4span></cmd><cal><ch4spanconc>2.5</ch4spanconc></cal>", span},
     };
     for (const auto& [body, expected] : cases) {
         CleanDoc doc;
@@ -341,7 +254,8 @@ TEST(TolvanEvents, EachSectionCallsItsOwnOperation)
     }
 }
 
-TEST(TolvanEvents, SectionsComeInAFixedOrderWhateverTheMessageOrder)
+// Sections, and the commands among themselves, come in a fixed order whatever the message order.
+TEST(TolvanEvents, FixedOrder)
 {
     CleanDoc doc;
     Recorder recorder;
@@ -361,29 +275,16 @@ TEST(TolvanEvents, SectionsComeInAFixedOrderWhateverTheMessageOrder)
                             "OnNetwork n auto 192.168.1.95 255.255.255.0 192.168.1.1", "OnAux 1 0 2 1 0 0",
                             "OnAux 8 0 1 1 0 0", "OnFactoryCommit", "OnFactoryChanged", "OnConfigChanged",
                             "OnPoll", "OnReboot"}));
-}
 
-TEST(TolvanEvents, CommandsComeInTheirOwnOrder)
-{
-    CleanDoc doc;
-    Recorder recorder;
-    const Calls calls = serve(doc, recorder,
-                              "<cmd><reboot>true</reboot><logusbstop>true</logusbstop><logusbstart>true</logusbstart>"
-                              "<calabort>true</calabort><calrollback>true</calrollback><calcommit>true</calcommit>"
-                              "<ch4span>true</ch4span><ch4zero>true</ch4zero><polltest>true</polltest>"
-                              "<poll>true</poll><linelock>true</linelock></cmd>");
-    EXPECT_EQ(calls, (Calls{"OnLineLock", "OnPoll", "OnPollTest", "OnCH4Zero", "OnCH4Span 2", "OnCalCommit",
-                            "OnCalRollback", "OnCalAbort", "OnLogUSBStart", "OnLogUSBStop", "OnReboot"}));
-}
-
-TEST(TolvanEvents, SpanGetsTheConcentrationOfTheSameMessage)
-{
-    for (const char* body : {"<cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>",
-                             "<cmd><ch4span>true</ch4span></cmd><cal><ch4spanconc>2.5</ch4spanconc></cal>"}) {
-        CleanDoc doc;
-        Recorder recorder;
-        EXPECT_EQ(serve(doc, recorder, body), (Calls{"OnCalChanged", "OnCH4Span 2.5"})) << body;
-    }
+    CleanDoc commands;
+    Recorder heard;
+    EXPECT_EQ(serve(commands, heard,
+                    "<cmd><reboot>true</reboot><logusbstop>true</logusbstop><logusbstart>true</logusbstart>"
+                    "<calabort>true</calabort><calrollback>true</calrollback><calcommit>true</calcommit>"
+                    "<ch4span>true</ch4span><ch4zero>true</ch4zero><polltest>true</polltest>"
+                    "<poll>true</poll><linelock>true</linelock></cmd>"),
+              (Calls{"OnLineLock", "OnPoll", "OnPollTest", "OnCH4Zero", "OnCH4Span 2", "OnCalCommit", "OnCalRollback",
+                     "OnCalAbort", "OnLogUSBStart", "OnLogUSBStop", "OnReboot"}));
 }
 
 TEST(TolvanEvents, CommandsLastOneMessage)
@@ -402,9 +303,7 @@ TEST(TolvanEvents, CommandsLastOneMessage)
     // Without a listener the message is still applied and the commands reset.
     DocTolvan alone;
     alone.Conf().Cmd().Reboot().set(true);
-    std::istringstream in(envelope("tolvan", "<cfg><sdmaddress>4</sdmaddress></cfg>"));
-    std::ostringstream out;
-    alone.configure_and_send_events(in, out);
+    serve(alone, envelope("tolvan", "<cfg><sdmaddress>4</sdmaddress></cfg>"));
     EXPECT_FALSE(alone.Conf().Cmd().Reboot().get());
     EXPECT_EQ(alone.Conf().Cfg().Sdmaddress().get(), 4);
 }
@@ -417,12 +316,8 @@ TEST(TolvanEvents, ClockTimeIsHandedOnAsTimeT)
               (Calls{"OnSetTime"}));
     EXPECT_EQ(recorder.set_time, doc.Conf().Cfg().Clock().TimeDate());
 
-    CleanDoc bad;
-    Recorder unused;
-    bad.SetListener(&unused);
-    std::istringstream in(envelope("tolvan", "<cfg><clock><date>2024/05/06</date></clock></cfg>"));
-    std::ostringstream out;
-    EXPECT_THROW(bad.configure_and_send_events(in, out), std::runtime_error);
+    EXPECT_THROW(serve(doc, envelope("tolvan", "<cfg><clock><date>2024/05/06</date></clock></cfg>")),
+                 std::runtime_error);
 }
 
 }  // namespace
