@@ -3,8 +3,6 @@
 #include "service/calhaldenadvanceddialog.h"
 #include "service/calhaldendialog.h"
 
-#include <QPushButton>
-
 #include <cstdlib>
 #include <ctime>
 
@@ -21,70 +19,27 @@ void expect_undo_redo_disabled(QWidget* dialog)
             EXPECT_TRUE(button->text() != label || !button->isEnabled()) << label;
 }
 
-std::string dravik_cmd(const std::string& element)
-{
-    return "<arvex><dravik><cmd><" + element + ">true</" + element + "></cmd></dravik></arvex>\n";
-}
-
-std::string dravik_span(const std::string& ch, int n, const std::string& gas)
-{
-    const std::string conc = ch + "spanconc" + std::to_string(n), span = ch + "span" + std::to_string(n);
-    return "<arvex><dravik><cal><" + conc + ">" + gas + "</" + conc + "></cal><cmd><" + span + ">true</" + span +
-           "></cmd></dravik></arvex>\n";
-}
-
-TEST(CalDravikDialog, EveryCommandAndSpanOnTheWire)
-{
-    const struct {
-        const char* group;
-        const char* button;
-        int field;  // the group's line edit to type into first, -1 for none
-        const char* text;
-        std::string line;
-    } cases[] = {
-        {"CO2A", "Zero", -1, "", dravik_cmd("co2azero")},
-        {"CO2B", "Zero", -1, "", dravik_cmd("co2bzero")},
-        {"H2OA", "Zero", -1, "", dravik_cmd("h2oazero")},
-        {"H2OB", "Zero", -1, "", dravik_cmd("h2obzero")},
-        {"TCell A", "Zero", -1, "", dravik_cmd("tazero")},
-        {"TCell B", "Zero", -1, "", dravik_cmd("tbzero")},
-        {"SS A", "Reset", -1, "", dravik_cmd("ssa_reset")},
-        {"SS B", "Reset", -1, "", dravik_cmd("ssb_reset")},
-        {"Flow Meter", "Zero", -1, "", dravik_cmd("flowmeterzero")},
-        {"Flow A", "Zero", -1, "", dravik_cmd("flowazero")},
-        {"Flow B", "Zero", -1, "", dravik_cmd("flowbzero")},
-        {"Chamber Pressure", "Zero", -1, "", dravik_cmd("chamberpressurezero")},
-        {"CO2A", "Span1", 0, "350.5", dravik_span("co2a", 1, "350.5")},
-        {"CO2A", "Span2", 1, "", dravik_span("co2a", 2, "")},
-        {"CO2B", "Span1", 0, "301", dravik_span("co2b", 1, "301")},
-        {"CO2B", "Span2", 1, "1,2e3 x", dravik_span("co2b", 2, "1,2e3 x")},  // as typed, unchecked
-        {"H2OA", "Span1", 0, "20", dravik_span("h2oa", 1, "20")},
-        {"H2OA", "Span2", 1, "90", dravik_span("h2oa", 2, "90")},
-        {"H2OB", "Span1", 0, "25", dravik_span("h2ob", 1, "25")},
-        {"H2OB", "Span2", 1, "95", dravik_span("h2ob", 2, "95")},
-        {"Oxygen %", "Apply", 0, "20.5", "<arvex><dravik><cal><oxygen>20.5</oxygen></cal></dravik></arvex>\n"},
-    };
-    Wire wire("dravik");
-    CalDravikDialog dialog(nullptr, "head", &wire.connector->Doc_Dravik(), false);
-    wire.JoinRaw(&dialog);
-    EXPECT_EQ(dialog.windowTitle(), "Calibration Control Panel: head");
-    for (const auto& c : cases) {
-        QGroupBox* box = group(&dialog, c.group);
-        if (c.field >= 0)
-            box->findChildren<QLineEdit*>()[c.field]->setText(QString::fromUtf8(c.text));
-        Click(box, c.button);
-        EXPECT_EQ(wire.WaitForText("<dravik><c"), c.line) << c.group << " " << c.button;
-    }
-}
-
-TEST(CalDravikDialog, DrawsFromEveryDocumentChangeInLocalTime)
-{
-    // Three hours east of UTC, with no daylight saving, whatever the machine's zone.
+// Three hours east of UTC, with no daylight saving, whatever the machine's zone; the machine's again after.
+struct EastOfUtc {
     const char* zone = std::getenv("TZ");
     const std::string saved = zone ? zone : "";
-    setenv("TZ", "XYZ-3", 1);
-    tzset();
+    EastOfUtc() { setenv("TZ", "XYZ-3", 1), tzset(); }
+    ~EastOfUtc() { zone ? setenv("TZ", saved.c_str(), 1) : unsetenv("TZ"), tzset(); }
+};
 
+TEST(CalDravikDialog, EveryCommandOnTheWireTheDocumentDrawnInLocalTimeAndAnAdvancedApply)
+{
+    const EastOfUtc east;
+    const struct { const char* group; const char* button; const char* element; } commands[] = {
+        {"CO2A", "Zero", "co2azero"}, {"CO2B", "Zero", "co2bzero"}, {"H2OA", "Zero", "h2oazero"},
+        {"H2OB", "Zero", "h2obzero"}, {"TCell A", "Zero", "tazero"}, {"TCell B", "Zero", "tbzero"},
+        {"SS A", "Reset", "ssa_reset"}, {"SS B", "Reset", "ssb_reset"}, {"Flow Meter", "Zero", "flowmeterzero"},
+        {"Flow A", "Zero", "flowazero"}, {"Flow B", "Zero", "flowbzero"},
+        {"Chamber Pressure", "Zero", "chamberpressurezero"},
+    };
+    const struct { const char* group; int n; const char* gas; } spans[] = {
+        {"CO2A", 1, "350.5"}, {"CO2A", 2, ""}, {"CO2B", 1, "301"}, {"CO2B", 2, "1,2e3 x"},  // as typed, unchecked
+        {"H2OA", 1, "20"}, {"H2OA", 2, "90"}, {"H2OB", 1, "25"}, {"H2OB", 2, "95"}};
     Wire wire("dravik");
     CalDravikDialog dialog(nullptr, "head", &wire.connector->Doc_Dravik(), false);
     wire.JoinRaw(&dialog);
@@ -94,6 +49,21 @@ TEST(CalDravikDialog, DrawsFromEveryDocumentChangeInLocalTime)
     QLineEdit* oxygen = group(&dialog, "Oxygen %")->findChild<QLineEdit*>();
     EXPECT_EQ(span2->text(), "0.0");  // the defaults give way to the document at once
     EXPECT_EQ(oxygen->text(), "21.0");
+    for (const auto& c : commands) {
+        Click(group(&dialog, c.group), c.button);
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), command("dravik", c.element)) << c.group;
+    }
+    for (const auto& s : spans) {
+        group(&dialog, s.group)->findChildren<QLineEdit*>()[s.n - 1]->setText(s.gas);
+        Click(group(&dialog, s.group), "Span" + QString::number(s.n));
+        const std::string ch = QString(s.group).toLower().toStdString(), n = std::to_string(s.n);
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><" + ch + "spanconc" + n + ">" + s.gas + "</" + ch +
+                                                      "spanconc" + n + "></cal><cmd><" + ch + "span" + n + ">true</" + ch +
+                                                      "span" + n + "></cmd></dravik></arvex>\n");
+    }
+    oxygen->setText("20.5");
+    Click(group(&dialog, "Oxygen %"), "Apply");
+    EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><oxygen>20.5</oxygen></cal></dravik></arvex>\n");
 
     for (const char* change : {"<co2azero>0.98</co2azero><h2obspanconc2>95</h2obspanconc2><oxygen>20.9</oxygen>",
                                "<co2azero>0.97</co2azero>"}) {
@@ -114,34 +84,23 @@ TEST(CalDravikDialog, DrawsFromEveryDocumentChangeInLocalTime)
     EXPECT_EQ(oldest.mid(0, 3), QStringList({"2023-11-15 01:13:20", "CO2A Zero", "0.95"}));
     EXPECT_EQ(oldest[16] + " " + oldest[22], "50000 20.5");  // SS A Ref, Oxygen
     EXPECT_EQ(row(tree, 1)[10], "0.987654");
-
     expect_undo_redo_disabled(&dialog);
 
-    if (zone)
-        setenv("TZ", saved.c_str(), 1);
-    else
-        unsetenv("TZ");
-    tzset();
-}
-
-TEST(CalDravikAdvancedDialog, AppliesWhatReadsAsAFloatAndForcesARead)
-{
-    Wire wire("dravik");
-    CalDravikAdvancedDialog dialog(nullptr, "head", &wire.connector->Doc_Dravik());
-    wire.Join(&dialog);
-    QObject::connect(&dialog, &CalDravikAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
-    EXPECT_EQ(dialog.windowTitle(), "Advanced Calibration: head");
-    EXPECT_TRUE(label_texts(group(&dialog, "H2OA")).contains("mmol/mol"));
-    EXPECT_TRUE(label_texts(group(&dialog, "CO2B")).contains("µmol/mol"));
-    group(&dialog, "CO2A")->findChildren<QLineEdit*>()[0]->setText("0.5");
-    group(&dialog, "SS B")->findChild<QLineEdit*>()->setText("no number");
-    group(&dialog, "Chamber Pressure")->findChild<QLineEdit*>()->setText("2.75");
+    // The advanced window applies what reads as a float, and forces a read.
+    CalDravikAdvancedDialog advanced(nullptr, "head", &wire.connector->Doc_Dravik());
+    wire.Join(&advanced);
+    QObject::connect(&advanced, &CalDravikAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
+    EXPECT_TRUE(label_texts(group(&advanced, "H2OA")).contains("mmol/mol"));
+    EXPECT_TRUE(label_texts(group(&advanced, "CO2B")).contains("µmol/mol"));
+    group(&advanced, "CO2A")->findChildren<QLineEdit*>()[0]->setText("0.5");
+    group(&advanced, "SS B")->findChild<QLineEdit*>()->setText("no number");
+    group(&advanced, "Chamber Pressure")->findChild<QLineEdit*>()->setText("2.75");
     QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
-    Click(&dialog, "Apply");
+    Click(&advanced, "Apply");
     EXPECT_EQ(wire.WaitForText("<cal>"), "<arvex><dravik><cal><co2azero>0.5</co2azero>"
                                          "<chamberpressurezero>2.75</chamberpressurezero></cal></dravik></arvex>\n");
     EXPECT_EQ(forced.count(), 2);  // the send, then the forced read
-    EXPECT_EQ(group(&dialog, "SS B")->findChild<QLineEdit*>()->text(), "50000");
+    EXPECT_EQ(group(&advanced, "SS B")->findChild<QLineEdit*>()->text(), "50000");
 }
 
 TEST(CalHaldenDialog, WholeCountsZerosAndAnAdvancedApplyThroughAFloat)
@@ -153,10 +112,9 @@ TEST(CalHaldenDialog, WholeCountsZerosAndAnAdvancedApplyThroughAFloat)
     wire.JoinRaw(&dialog);
     wire.Join(&advanced);
     EXPECT_TRUE(label_texts(&dialog).contains("Zero: 0"));
-    for (const auto& [button, element] : {std::pair{"DC0", "zero_dc0"}, std::pair{"Pc0", "zero_pc0"}}) {
-        Click(group(&dialog, button), "Zero");
-        EXPECT_EQ(wire.WaitForText("<cmd>"), std::string("<arvex><halden><cmd><") + element + ">true</" + element +
-                                                 "></cmd></halden></arvex>\n");
+    for (const auto& [box, element] : {std::pair{"DC0", "zero_dc0"}, std::pair{"Pc0", "zero_pc0"}}) {
+        Click(group(&dialog, box), "Zero");
+        EXPECT_EQ(wire.WaitForText("<cmd>"), command("halden", element));
     }
 
     wire.Tell("<arvex><halden><cal><DC0>412</DC0><Pc0>-37</Pc0></cal><history><record><time>2026-02-03 04:05:06</time>"
@@ -168,11 +126,7 @@ TEST(CalHaldenDialog, WholeCountsZerosAndAnAdvancedApplyThroughAFloat)
     EXPECT_EQ(row(tree, 0), QStringList({"2026-02-03 04:05:06", "DC0 Zero", "412", "123456789"}));
     expect_undo_redo_disabled(&dialog);
 
-    const struct {
-        const char* dc0;
-        const char* pc0;
-        int64_t want_dc0, want_pc0;
-    } cases[] = {
+    const struct { const char* dc0; const char* pc0; int64_t want_dc0, want_pc0; } cases[] = {
         {"16777217", "12.9", 16777216, 12},  // beyond 2^24 a float rounds; a fraction is cut off
         {"many", "-7.5", 16777216, -7},      // the other field still applies
         {"123456789", "", 123456792, -7},

@@ -3,7 +3,6 @@
 #include <QGridLayout>
 #include <QIntValidator>
 #include <QListWidget>
-#include <QPushButton>
 
 #include <climits>
 
@@ -46,28 +45,15 @@ QStringList page_names(const GenericConfigDialog& dialog)
     return names;
 }
 
-QPushButton* button(const QWidget& dialog, const QString& text)
-{
-    for (QPushButton* b : dialog.findChildren<QPushButton*>())
-        if (b->text() == text)
-            return b;
-    return nullptr;
-}
-
 TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
 {
-    struct Case {
-        GenericConfigDialog::Labels labels;
-        QStringList pages;
-        QStringList absent_rows;
-    };
-    const Case cases[] = {
+    const struct { GenericConfigDialog::Labels labels; QStringList pages, absent_rows; } cases[] = {
         {{}, {"General", "alpha", "alpha/inner", "zeta"}, {}},
         {{{"zeta", "A Zeta"}, {"alpha", "Z Alpha"}}, {"General", "Z Alpha", "alpha/inner", "A Zeta"}, {}},
         {{{"alpha", ":EXCLUDE:"}}, {"General", "alpha/inner", "zeta"}, {"n", "flag"}},
         {{{"flag", ":EXCLUDE:"}, {"n", ":EXCLUDE:"}}, {"General", "alpha", "alpha/inner", "zeta"}, {"flag"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SmallTree tree;
         GenericConfigDialog dialog(nullptr, "Small", &tree, c.labels);
         EXPECT_EQ(page_names(dialog), c.pages);
@@ -77,17 +63,18 @@ TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
     }
 }
 
-TEST(GenericConfig, EditorsCarryLimitsUnitsAndValues)
+TEST(GenericConfig, EditorsCarryLimitsUnitsAndValuesAndButtonsTheirMessages)
 {
+    qRegisterMetaType<std::string>();
     SmallTree tree;
-    GenericConfigDialog dialog(nullptr, "Small", &tree, {{"Hz", "hertz"}});
+    GenericConfigDialog dialog(nullptr, "Small", &tree,
+                               {{"Hz", "hertz"}, {"a", "ignored:BTN:Red Mod On:<arvex><x>1</x></arvex>\n"}, {"b", ":BTN:Plain"}});
     ASSERT_EQ(dialog.findChildren<QLineEdit*>().size(), 3);
     auto* n = group(&dialog, "alpha")->findChild<QLineEdit*>();
     auto* s = group(&dialog, "alpha/inner")->findChild<QLineEdit*>();
     auto* z = group(&dialog, "zeta")->findChild<QLineEdit*>();
-    auto* real = qobject_cast<const QDoubleValidator*>(z->validator());
     auto* integer = qobject_cast<const QIntValidator*>(n->validator());
-    ASSERT_TRUE(real && integer);
+    ASSERT_TRUE(qobject_cast<const QDoubleValidator*>(z->validator()) && integer);
     EXPECT_EQ(integer->bottom(), 0);
     EXPECT_EQ(integer->top(), INT_MAX);
     EXPECT_EQ(s->validator(), nullptr);
@@ -107,19 +94,11 @@ TEST(GenericConfig, EditorsCarryLimitsUnitsAndValues)
     EXPECT_EQ(tree.z.get(), 2.25f);
     EXPECT_EQ(tree.s.get(), "other");
     EXPECT_FALSE(tree.flag.get());
-}
 
-TEST(GenericConfig, CustomButtonsEmitTheirLabelAndMessage)
-{
-    qRegisterMetaType<std::string>();
-    SmallTree tree;
-    GenericConfigDialog dialog(nullptr, "Small", &tree,
-                               {{"a", "ignored:BTN:Red Mod On:<arvex><x>1</x></arvex>\n"}, {"b", ":BTN:Plain"}});
     QSignalSpy clicked(&dialog, &GenericConfigDialog::ButtonClicked);
     QSignalSpy raw(&dialog, &GenericConfigDialog::SendRawXML);
-    ASSERT_TRUE(button(dialog, "Red Mod On") && button(dialog, "Plain"));
-    button(dialog, "Red Mod On")->click();
-    button(dialog, "Plain")->click();
+    Click(&dialog, "Red Mod On");
+    Click(&dialog, "Plain");
     ASSERT_EQ(clicked.count(), 2);
     EXPECT_EQ(clicked[0][0].value<std::string>(), "Red Mod On");
     EXPECT_EQ(clicked[1][0].value<std::string>(), "Plain");
@@ -134,15 +113,15 @@ TEST(GenericConfig, ModelDialogsShowTheirSectionsAsLabelledPages)
     DocDravik dravik;
     ConfigQuentaDialog config(nullptr, "q1", quenta);
     EXPECT_EQ(config.windowTitle(), "Configuration: q1");
-    EXPECT_EQ(page_names(config), QStringList({"General", "DACs", "Desiccant", "Flow", "GPIO", "Humidifier",
-                                               "Injector", "Light Source", "Network", "Scrub"}));
+    EXPECT_EQ(page_names(config), QStringList({"General", "DACs", "Desiccant", "Flow", "GPIO", "Humidifier", "Injector",
+                                               "Light Source", "Network", "Scrub"}));
     FactoryQuentaDialog factory(nullptr, "q1", quenta);
     EXPECT_TRUE(page_names(factory).contains("Pump - High"));
     EXPECT_FALSE(page_names(factory).contains("pump"));
 
     FactoryHaldenDialog halden_factory(nullptr, "h1", halden);
     for (const char* b : {"Red Mod On", "Red Mod Off", "Test Vect On", "Test Vect Off"})
-        EXPECT_TRUE(button(halden_factory, b)) << b;
+        EXPECT_TRUE(find_button(halden_factory, b)) << b;
 
     OutputDravikDialog output(nullptr, "d1", dravik);
     EXPECT_EQ(output.windowTitle(), "Output: d1");

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -32,8 +33,7 @@ struct FakeInstrument {
     {
         if (!QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS))
             return false;
-        socket = server.nextPendingConnection();
-        return socket != nullptr;
+        return (socket = server.nextPendingConnection()) != nullptr;
     }
 
     /// The next line sent that contains `text`; "" if none comes.
@@ -55,9 +55,8 @@ struct FakeInstrument {
 };
 
 struct Wire : FakeInstrument {
-    explicit Wire(const std::string& type = "tolvan")
+    explicit Wire(const std::string& type = "tolvan") : connector(std::make_shared<Connector>(nullptr, "wire-test", type))
     {
-        connector = std::make_shared<Connector>(nullptr, "wire-test", type);
         connector->Connect("127.0.0.1", 0, server.serverPort());
         EXPECT_TRUE(Accept());
         EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() != ""; }, WIRE_TIMEOUT_MS));
@@ -92,6 +91,12 @@ struct Wire : FakeInstrument {
     std::shared_ptr<Connector> connector;
 };
 
+/// The line of a one-shot command `element` to a `model`.
+inline std::string command(const std::string& model, const std::string& element)
+{
+    return "<arvex><" + model + "><cmd><" + element + ">true</" + element + "></cmd></" + model + "></arvex>\n";
+}
+
 /// Presses the button labelled `label` of the next message box; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)
 {
@@ -118,6 +123,15 @@ inline std::vector<QLineEdit*> Edits(QWidget* parent)
         if (!qobject_cast<QAbstractSpinBox*>(edit->parentWidget()))
             edits.push_back(edit);
     return edits;
+}
+
+/// The push button of `window` that reads `text`, or null.
+inline QPushButton* find_button(const QWidget& window, const QString& text)
+{
+    for (QPushButton* button : window.findChildren<QPushButton*>())
+        if (button->text() == text)
+            return button;
+    return nullptr;
 }
 
 /// Clicks the first button of `parent` labelled `label`.
