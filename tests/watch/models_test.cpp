@@ -1,15 +1,12 @@
 // The watch windows of the other models, the I/O console and the Morvik's configuration window.
 
 #include <QComboBox>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QTextEdit>
 
 #include <functional>
-#include <memory>
 
 #include "service/genericconfigdialog.h"
-#include "tests/service/wire.h"
 #include "tests/watch/watch_test_util.h"
 #include "watch/configmorvikdialog.h"
 #include "watch/fpgahaldendialog.h"
@@ -23,8 +20,6 @@ Q_DECLARE_METATYPE(std::string)
 
 namespace {
 
-constexpr int TIMEOUT_MS = 10000;
-
 std::unique_ptr<WatchModelDialog> make_window(const std::string& type, const std::string& name)
 {
     if (type == "quenta")
@@ -34,14 +29,6 @@ std::unique_ptr<WatchModelDialog> make_window(const std::string& type, const std
     if (type == "halden")
         return std::make_unique<WatchHaldenDialog>(nullptr, name, type);
     return std::make_unique<WatchBremmelDialog>(nullptr, name, type);
-}
-
-QStringList labels(const QTableWidget& table)
-{
-    QStringList texts;
-    for (int column = 0; column < table.columnCount(); column += 2)
-        texts << table.horizontalHeaderItem(column)->text();
-    return texts;
 }
 
 QString cell(const QTableWidget& table, int row, int column)
@@ -57,7 +44,10 @@ TEST(WatchModels, AnnouncedHeadersAddOnePairEach)
     for (const char* line : {"DATALTH\tTIME\tPPFD\n", "DATACLOCKH\tTIME\n", "DATALTH\tTIME\tPPFD\tT\n", "DATAGASH\tCO2\n"})
         link.HandleData(line);
     window->GotConnectorHeaderMatch(link, "DATXH");  // too short to be a record's header
-    EXPECT_EQ(labels(*table), (QStringList{"DATA", "DATASTAT", "DATADIAG", "DATALT", "DATAGAS"}));
+    QStringList labels;
+    for (int column = 0; column < table->columnCount(); column += 2)
+        labels << table->horizontalHeaderItem(column)->text();
+    EXPECT_EQ(labels, (QStringList{"DATA", "DATASTAT", "DATADIAG", "DATALT", "DATAGAS"}));
     EXPECT_EQ(cell(*table, 2, 6), "T");  // the second arrival refreshed the pair
     // What a double click or a drag would chart.
     EXPECT_EQ(window->GetVarString(1, 6), test_host() + ":DATALT:PPFD");
@@ -70,7 +60,7 @@ bool shows(Connector& link, const QTableWidget& table, int row, int column, cons
     return QTest::qWaitFor([&] {
         link.HandleData(next_line());
         return cell(table, row, column) == text;
-    }, TIMEOUT_MS);
+    }, WIRE_TIMEOUT_MS);
 }
 
 TEST(WatchModels, HaldenRefreshesOnItsClockAndQuentaOnDataTime)
@@ -101,11 +91,7 @@ TEST(WatchModels, BremmelPassesABurstAndHoldsTheNextForHalfASecond)
     Connector& link = window->GetConnector();
     link.HandleData("DATAH\tA\tB\tSEC\tNSEC\tCHK\n");
     link.HandleData("DATAGPSH\tSEC\tNSEC\tLAT\tCHK\n");
-    const struct {
-        const char* line;
-        int column;
-        const char* shown;
-    } steps[] = {
+    const struct { const char* line; int column; const char* shown; } steps[] = {
         {"DATA\t1\t2\t100\t0\t", 1, "1"},
         {"DATAGPS\t100\t0\t47.1\t", 7, "47.1"},           // the same burst
         {"DATA\t5\t2\t100\t300000000\t", 1, "1"},        // 0.3 s later: held
@@ -124,38 +110,20 @@ bool take_window(FakeInstrument& wire)
     return wire.Accept() && wire.WaitForText("&query_doctype;") == "<arvex>&query_doctype;</arvex>\n";
 }
 
-std::string command(const std::string& tag, const std::string& cmd)
+TEST(WatchModels, EveryCommandButtonSendsItsLineAndConfigAndFactoryOpenOnceAsPages)
 {
-    return "<arvex><" + tag + "><cmd><" + cmd + ">true</" + cmd + "></cmd></" + tag + "></arvex>\n";
-}
-
-TEST(WatchModels, EveryCommandButtonSendsItsLine)
-{
-    const struct {
-        const char* type;
-        const char* event;  ///< fed first, to label a toggle
-        const char* button;
-        std::string line;
-    } rows[] = {
-        {"quenta", "", "Lt Src On", command("quenta", "connectlightsource")},
-        {"quenta", "LIGHTSOURCECONNECTED", "Lt Src Off", command("quenta", "disconnectlightsource")},
-        {"quenta", "LIGHTSOURCEDISCONNECTED", "Lt Src On", command("quenta", "connectlightsource")},
-        {"dravik", "", "Reboot", command("dravik", "reboot")},
-        {"dravik", "", "Lt Src On", command("dravik", "connectlightsource")},
-        {"dravik", "LIGHTSOURCECONNECTED", "Lt Src Off", command("dravik", "disconnectlightsource")},
-        {"dravik", "", "Pwr Off", command("dravik", "poweroff")},
-        {"dravik", "POWEROFF", "Pwr On", command("dravik", "poweron")},
-        {"dravik", "POWERON", "Pwr Off", command("dravik", "poweroff")},
-        {"halden", "", "Reboot", command("halden", "reboot")},
-        {"halden", "", "Rect", command("halden", "rect")},
-        {"halden", "", "MPF", command("halden", "mpf")},
-        {"halden", "", "Induction", command("halden", "induction")},
-        {"halden", "", "Dark", command("halden", "dark")},
-        {"halden", "", "Break", command("halden", "break")},
-        {"halden", "", "Reset", command("halden", "reset")},
-        {"bremmel", "", "Start USB Logging", command("bremmel", "logusbstart")},
-        {"bremmel", "", "Stop USB Logging", command("bremmel", "logusbstop")},
-        {"bremmel", "", "Eject USB", command("bremmel", "ejectusb")},
+    const struct { const char* type; const char* event; const char* button; const char* element; } rows[] = {
+        // The event is fed first, to label a toggle.
+        {"quenta", "", "Lt Src On", "connectlightsource"},
+        {"quenta", "LIGHTSOURCECONNECTED", "Lt Src Off", "disconnectlightsource"},
+        {"quenta", "LIGHTSOURCEDISCONNECTED", "Lt Src On", "connectlightsource"},
+        {"dravik", "", "Reboot", "reboot"}, {"dravik", "", "Lt Src On", "connectlightsource"},
+        {"dravik", "LIGHTSOURCECONNECTED", "Lt Src Off", "disconnectlightsource"}, {"dravik", "", "Pwr Off", "poweroff"},
+        {"dravik", "POWEROFF", "Pwr On", "poweron"}, {"dravik", "POWERON", "Pwr Off", "poweroff"},
+        {"halden", "", "Reboot", "reboot"}, {"halden", "", "Rect", "rect"}, {"halden", "", "MPF", "mpf"},
+        {"halden", "", "Induction", "induction"}, {"halden", "", "Dark", "dark"}, {"halden", "", "Break", "break"},
+        {"halden", "", "Reset", "reset"}, {"bremmel", "", "Start USB Logging", "logusbstart"},
+        {"bremmel", "", "Stop USB Logging", "logusbstop"}, {"bremmel", "", "Eject USB", "ejectusb"},
     };
     std::map<std::string, std::pair<std::unique_ptr<WatchModelDialog>, std::unique_ptr<FakeInstrument>>> windows;
     for (const auto& row : rows) {
@@ -171,21 +139,17 @@ TEST(WatchModels, EveryCommandButtonSendsItsLine)
         QPushButton* button = find_button(*window, row.button);
         ASSERT_TRUE(button) << row.type << " " << row.button;
         button->click();
-        EXPECT_EQ(wire->WaitForText(row.line), row.line) << row.type << " " << row.button;
+        const std::string line = command(row.type, row.element);
+        EXPECT_EQ(wire->WaitForText(line), line) << row.type << " " << row.button;
     }
-}
-
-TEST(WatchModels, ConfigAndFactoryOpenOnceAsPages)
-{
-    for (const char* type : {"quenta", "dravik", "halden", "bremmel"}) {
-        const std::string name = test_host() + type;
-        auto window = make_window(type, name);
+    for (const auto& [type, window_and_wire] : windows) {
+        WatchModelDialog& window = *window_and_wire.first;
         for (const char* button : {"Config...", "Factory...", "Config..."})
-            find_button(*window, button)->click();
-        const auto dialogs = window->findChildren<GenericConfigDialog*>();
+            find_button(window, button)->click();
+        const auto dialogs = window.findChildren<GenericConfigDialog*>();
         ASSERT_EQ(dialogs.size(), 2) << type;
-        EXPECT_EQ(dialogs[0]->windowTitle().toStdString(), "Configuration: " + name);
-        EXPECT_EQ(dialogs[1]->windowTitle().toStdString(), "Factory Settings: " + name);
+        EXPECT_EQ(dialogs[0]->windowTitle().toStdString(), "Configuration: " + test_host() + type);
+        EXPECT_EQ(dialogs[1]->windowTitle().toStdString(), "Factory Settings: " + test_host() + type);
         EXPECT_GT(dialogs[0]->Pages()->count(), 1) << type;
     }
 }
@@ -193,20 +157,14 @@ TEST(WatchModels, ConfigAndFactoryOpenOnceAsPages)
 TEST(WatchModels, ConsoleRunsOnceOrRepeatsAndAddsOut)
 {
     qRegisterMetaType<std::string>();
-    const struct {
-        const char* text;
-        const char* sent;
-    } rows[] = {
-        {"w 1 2", "w 1 2\nout\n"},
-        {"w 1 2\nOUT", "w 1 2\nOUT\n"},
-        {"read Out", "read Out\n"},
-    };
+    const struct { const char* text; const char* sent; } rows[] = {
+        {"w 1 2", "w 1 2\nout\n"}, {"w 1 2\nOUT", "w 1 2\nOUT\n"}, {"read Out", "read Out\n"}};
     for (const auto& row : rows) {
         FPGAHaldenDialog console(nullptr, "h1");
         QSignalSpy sent(&console, &FPGAHaldenDialog::SendRawText);
         console.findChild<QTextEdit*>()->setPlainText(row.text);
         find_button(console, "Run")->click();
-        ASSERT_TRUE(sent.count() > 0 || sent.wait(TIMEOUT_MS));
+        ASSERT_TRUE(sent.count() > 0 || sent.wait(WIRE_TIMEOUT_MS));
         EXPECT_EQ(sent[0][0].value<std::string>(), row.sent);
         EXPECT_TRUE(find_button(console, "Run")) << "run once stops by itself";
     }
@@ -214,7 +172,7 @@ TEST(WatchModels, ConsoleRunsOnceOrRepeatsAndAddsOut)
     QSignalSpy sent(&console, &FPGAHaldenDialog::SendRawText);
     console.findChild<QComboBox*>()->setCurrentIndex(3);  // 100 Hz
     find_button(console, "Run")->click();
-    ASSERT_TRUE(sent.wait(TIMEOUT_MS) && (sent.count() > 1 || sent.wait(TIMEOUT_MS)));
+    ASSERT_TRUE(sent.wait(WIRE_TIMEOUT_MS) && (sent.count() > 1 || sent.wait(WIRE_TIMEOUT_MS)));
     find_button(console, "Stop")->click();
     find_button(console, "Clear")->click();
     EXPECT_EQ(sent.last()[0].value<std::string>(), "\nclr\n");

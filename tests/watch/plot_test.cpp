@@ -1,28 +1,28 @@
-#include <gtest/gtest.h>
+// Charts of variables over time, and the waveform plots.
 
 #include <QDropEvent>
 #include <QMimeData>
 
 #include <cmath>
+#include <numeric>
 #include <set>
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
+#include <qwt_plot_zoomer.h>
 
 #include "tests/watch/watch_test_util.h"
 #include "watch/chartstatistics.h"
 #include "watch/densecurve.h"
 #include "watch/plotdialog.h"
+#include "watch/plotwavedialog.h"
 
 namespace {
 
-TEST(ChartStatistics, CompensatedSumsAndTheLabelCadence)
+TEST(ChartStatistics, CompensatedSumsTheLabelCadenceAndADeviationThatWrapsFromN46342)
 {
     ChartStatistics statistics;
-    const struct {
-        double time, value;
-        bool min, max, mean;
-    } samples[] = {
+    const struct { double time, value; bool min, max, mean; } samples[] = {
         {10, 1e16, true, true, false},  // the first sample: no mean yet
         {11, 1, true, false, true},     // more than 2 s after the last update (at 0)
         {12, 1, false, false, false},
@@ -47,16 +47,13 @@ TEST(ChartStatistics, CompensatedSumsAndTheLabelCadence)
     EXPECT_TRUE(statistics.Add(15.6, 5).mean);
     EXPECT_EQ(statistics.Mean(), 4);
     EXPECT_DOUBLE_EQ(statistics.StdDev(), std::sqrt(2.0));
-}
 
-TEST(ChartStatistics, DeviationWrapsFromN46342)
-{
-    ChartStatistics statistics;
+    ChartStatistics wraps;
     for (int n = 1; n <= 46341; ++n)
-        statistics.Add(3.0 * n, n % 2);
-    EXPECT_NEAR(statistics.StdDev(), 0.5, 1e-4);
-    statistics.Add(3.0 * 46342, 0);
-    EXPECT_TRUE(std::isnan(statistics.StdDev()));
+        wraps.Add(3.0 * n, n % 2);
+    EXPECT_NEAR(wraps.StdDev(), 0.5, 1e-4);
+    wraps.Add(3.0 * 46342, 0);
+    EXPECT_TRUE(std::isnan(wraps.StdDev()));
 }
 
 TEST(ChartQueue, KeepsThreeHundredSecondsAndRescansOnlyWhenNeeded)
@@ -80,17 +77,9 @@ TEST(ChartQueue, KeepsThreeHundredSecondsAndRescansOnlyWhenNeeded)
     data._AddData(330.5, 2);  // 0 and 30 fall out
     EXPECT_EQ(data.times, (std::deque<double>{61, 300, 330.5}));
     EXPECT_EQ(data.values.size(), 3u);
-    const QRectF rect = PlotDialog::_QwtPlotData(&data).boundingRect();
-    EXPECT_EQ(rect, QRectF(-300, 1, 300, 5));
+    EXPECT_EQ(PlotDialog::_QwtPlotData(&data).boundingRect(), QRectF(-300, 1, 300, 5));
     EXPECT_EQ(PlotDialog::_QwtPlotData(&data).sample(0), QPointF(61 - 330.5, 6));
 }
-
-// A chart that takes drops from the test.
-class DropTarget : public PlotDialog {
-public:
-    using PlotDialog::PlotDialog;
-    using PlotDialog::dropEvent;
-};
 
 TEST(PixelColumnFilter, KeepsTheFirstLowestHighestAndLastOfAColumn)
 {
@@ -100,6 +89,13 @@ TEST(PixelColumnFilter, KeepsTheFirstLowestHighestAndLastOfAColumn)
         filter.Add(point);
     EXPECT_EQ(filter.Points(), QPolygonF(QVector<QPointF>{{0.1, 5}, {0.3, 1}, {0.5, 9}, {0.9, 4}, {1.5, 3}, {3.2, 2}, {3.4, 2}}));
 }
+
+// A chart that takes drops from the test.
+class DropTarget : public PlotDialog {
+public:
+    using PlotDialog::PlotDialog;
+    using PlotDialog::dropEvent;
+};
 
 class Chart : public ::testing::Test {
 protected:
@@ -132,44 +128,20 @@ TEST_F(Chart, PausedVariablesDropSamples)
     EXPECT_EQ(plot.Variables()[0]->times, (std::deque<double>{1, 5}));
     EXPECT_EQ(plot.Variables()[1]->times, (std::deque<double>{2, 5}));
     EXPECT_EQ(plot.Variables()[1]->owner, nullptr);
-
     // The labels follow the first variable only.
-    QStringList labels;
-    for (QLabel* label : plot.findChildren<QLabel*>())
-        labels << label->text();
-    EXPECT_TRUE(labels.contains(" Max: 30"));
-    EXPECT_TRUE(labels.contains(" Mean: 20"));
+    EXPECT_TRUE(label_texts(&plot).contains(" Max: 30"));
+    EXPECT_TRUE(label_texts(&plot).contains(" Mean: 20"));
 }
 
-TEST_F(Chart, ColoursRestartAtTheEleventhVariable)
+TEST_F(Chart, DropsGoOnTheAxisOfTheirHalfAndColoursRestartAtTheEleventhVariable)
 {
-    PlotDialog plot(nullptr, "", "Tolvan Data");
+    DropTarget plot(nullptr, "", "Tolvan Data");
     EXPECT_TRUE(plot.Variables().empty());
     plot.OnPause();  // nothing to pause
     plot._AddPlotItem("nohost:DATA:X", false);
     EXPECT_TRUE(plot.Variables().empty());
-    for (int i = 0; i < 11; ++i)
-        plot._AddPlotItem(Var("X"), false);
-    const QwtPlotItemList curves = plot.Plot()->itemList(QwtPlotItem::Rtti_PlotCurve);
-    ASSERT_EQ(curves.size(), 11);
-    const auto colour = [&](int i) { return static_cast<QwtPlotCurve*>(curves[i])->pen().color(); };
-    std::set<QRgb> first_ten;
-    for (int i = 0; i < 10; ++i)
-        first_ten.insert(colour(i).rgba());
-    EXPECT_EQ(first_ten.size(), 10u);
-    EXPECT_EQ(colour(10), colour(0));
-    EXPECT_EQ(plot.Variables()[0]->owner, &plot);  // the first one dropped owns the chart
-}
-
-TEST_F(Chart, DropsGoOnTheAxisOfTheirHalf)
-{
-    DropTarget plot(nullptr, "", "Tolvan Data");
     const int half = plot.width() / 2;
-    const struct {
-        int x;
-        QString text;
-        bool taken, right;
-    } drops[] = {
+    const struct { int x; QString text; bool taken, right; } drops[] = {
         {half, QString::fromStdString(Var("X") + " and more"), true, false},
         {half + 1, QString::fromStdString(Var("Y")), true, true},
         {10, "  ", false, false},
@@ -189,6 +161,101 @@ TEST_F(Chart, DropsGoOnTheAxisOfTheirHalf)
         }
     }
     EXPECT_EQ(plot.Variables().size(), 2u);
+    EXPECT_EQ(plot.Variables()[0]->owner, &plot);  // the first one dropped owns the chart
+
+    for (int i = 2; i < 11; ++i)
+        plot._AddPlotItem(Var("X"), false);
+    const QwtPlotItemList curves = plot.Plot()->itemList(QwtPlotItem::Rtti_PlotCurve);
+    ASSERT_EQ(curves.size(), 11);
+    const auto colour = [&](int i) { return static_cast<QwtPlotCurve*>(curves[i])->pen().color(); };
+    std::set<QRgb> first_ten;
+    for (int i = 0; i < 10; ++i)
+        first_ten.insert(colour(i).rgba());
+    EXPECT_EQ(first_ten.size(), 10u);
+    EXPECT_EQ(colour(10), colour(0));
+}
+
+// The waveform plot: what a record sets, and the zoom that the second waveform decides.
+// A waveform line: the record name, one further field, the samples, a checksum text.
+std::string waveform(const std::string& record, const std::vector<double>& values)
+{
+    std::string line = record + "\t25.0";
+    for (double value : values)
+        line += "\t" + QString::number(value).toStdString();
+    return line + "\t123\n";
+}
+
+TEST(Waveform, ScaleTakesTheRangeFromTheMiddlePoints)
+{
+    std::vector<double> hundred(100);
+    std::iota(hundred.begin(), hundred.end(), 1.0);
+    const double lowest = std::numeric_limits<double>::max();
+    const struct { std::vector<double> values; bool scale; double lo, hi; } cases[] = {
+        {hundred, false, 1, 100},
+        {hundred, true, 30, 70},
+        {std::vector<double>(29, 5.0), true, lowest, -lowest},  // too short for the middle
+        {{}, false, lowest, -lowest},
+    };
+    for (const auto& c : cases) {
+        PlotWaveDialog::_PlotData data(nullptr, "nohost:DATAS:WAVEFORM", -50, 50, -49.5, 0, 1, false);
+        data.scaleMiddle = c.scale;
+        double lo, hi;
+        data._Read(waveform("DATAS", c.values), lo, hi);
+        EXPECT_EQ(data.values, c.values);
+        EXPECT_EQ(lo, c.lo);
+        EXPECT_EQ(hi, c.hi);
+    }
+}
+
+class WavePlot : public ::testing::Test {
+protected:
+    void Open(const std::string& type, const char* first, const char* second, double x_max, double y_max,
+              bool fixed)
+    {
+        connector = Connector::Factory(nullptr, test_host(), type);
+        plot = std::make_unique<PlotWaveDialog>(nullptr, test_host() + ":" + first + ":WAVEFORM",
+                                                test_host() + ":" + second + ":WAVEFORM", "Waveforms", "Reference",
+                                                "Sample", -x_max, x_max, -49.5, 0, y_max, fixed);
+    }
+
+    std::shared_ptr<Connector> connector;
+    std::unique_ptr<PlotWaveDialog> plot;
+};
+
+TEST_F(WavePlot, TheSecondWaveformSetsTheZoomHeight)
+{
+    Open("tolvan", "DATAR", "DATAS", 50, 1, false);
+    const QRectF start(-50, 0, 100, 1);
+    EXPECT_EQ(plot->Zoomer()->zoomRect(), start);
+    connector->HandleData(waveform("DATAR", {3, 4, 5}));  // the first only repaints
+    EXPECT_EQ(plot->Zoomer()->zoomBase(), start);
+    EXPECT_EQ(plot->First().yMin, 3);
+    connector->HandleData(waveform("DATAS", {-1, 0.5, 2}));
+    EXPECT_EQ(plot->Zoomer()->zoomBase(), QRectF(-50, -1, 100, 3));
+    EXPECT_EQ(plot->Zoomer()->zoomRect(), start);  // the view stays until zoomed out
+    plot->OnZoomOut();
+    EXPECT_EQ(plot->Zoomer()->zoomRect(), QRectF(-50, -1, 100, 3));
+
+    // A flat waveform normalises to a division by zero, passed on as it is.
+    connector->HandleData(waveform("DATAS", {0.5, 0.5}));
+    plot->OnNormalizedChanged(Qt::Checked);
+    const PlotWaveDialog::_QwtPlotData series(&plot->Second());
+    EXPECT_TRUE(std::isnan(series.sample(1).y()));
+    EXPECT_EQ(series.sample(1).x(), -48.5);
+    EXPECT_EQ(series.boundingRect(), QRectF(-50, 0, 100, 100));
+}
+
+TEST_F(WavePlot, FixedRangeTakesXFromTheFirstWaveform)
+{
+    Open("dravik", "DATACELLA", "DATACELLB", 0, 65535, true);
+    connector->HandleData(waveform("DATACELLB", {7}));  // one point: no x range
+    EXPECT_EQ(plot->Second().xMax, 0);
+    connector->HandleData(waveform("DATACELLB", {100, 200, 300, 400, 500}));
+    EXPECT_EQ(plot->Second().xMax, 4);
+    EXPECT_EQ(plot->Second().yMax, 65535);
+    EXPECT_EQ(plot->Zoomer()->zoomRect(), QRectF(0, 0, 4, 65535));
+    connector->HandleData(waveform("DATACELLB", {1, 2, 3}));  // only once
+    EXPECT_EQ(plot->Second().xMax, 4);
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
 // The watch window's table: pairs of columns, charts by double click, drags, the log switch.
 
-#include <gtest/gtest.h>
-
 #include <QDrag>
 #include <QFileDialog>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include "tests/watch/watch_test_util.h"
 #include "watch/mytablewidget.h"
@@ -19,13 +15,7 @@ namespace {
 
 class WatchTable : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        window = new WatchTolvanDialog(nullptr, test_host(), "tolvan");
-        table = window->findChild<MyTableWidget*>();
-    }
     void TearDown() override { delete window; }
-
     QStringList Column(int column)
     {
         QStringList texts;
@@ -35,42 +25,37 @@ protected:
     }
     void Feed(const std::string& line) { window->GetConnector().HandleData(line); }
 
-    WatchTolvanDialog* window;
-    MyTableWidget* table;
+    WatchTolvanDialog* window = new WatchTolvanDialog(nullptr, test_host(), "tolvan");
+    MyTableWidget* table = window->findChild<MyTableWidget*>();
 };
 
-TEST_F(WatchTable, PairsFillFromHeadersAndKeepTheirRows)
+TEST_F(WatchTable, PairsFillFromHeadersKeepTheirRowsAndChartFromEitherCell)
 {
     EXPECT_EQ(window->windowTitle().toStdString(), "Watching Tolvan: " + test_host());
     QStringList labels;
     for (int column = 0; column < table->columnCount(); ++column)
         labels << table->horizontalHeaderItem(column)->text();
     EXPECT_EQ(labels, (QStringList{"DATA", "", "DATASTAT", "", "DATADIAG", "", "DATACLOCKSYNC", "", "DATATEST", ""}));
+    const QStringList none{"<none>", "<none>", "<none>", "<none>", "<none>", "<none>"};
 
     // A header before any data: the name column fills, the value column stays empty.
     Feed("DATASTATH\tMSEC\tSECONDS\tNANOSECONDS\tDIAG\tLCT\tCHK\n");
     EXPECT_EQ(Column(2), (QStringList{"MSEC", "SECONDS", "NANOSECONDS", "DIAG", "LCT", "CHK"}));
-    EXPECT_EQ(Column(3), QStringList({"<none>", "<none>", "<none>", "<none>", "<none>", "<none>"}));
-
+    EXPECT_EQ(Column(3), none);
     // Only "DATASTAT" repaints, and then every value column.
     Feed("DATAH\tA\tB\tC\tD\tCHK\n");
     Feed(with_sum("DATA\t1\t2\t3\t4\t"));
-    EXPECT_EQ(Column(1), QStringList({"<none>", "<none>", "<none>", "<none>", "<none>", "<none>"}));
+    EXPECT_EQ(Column(1), none);
     Feed(with_sum("DATASTAT\t0\t100\t500000000\t5\t25.125\t"));
     EXPECT_EQ(Column(1).mid(0, 4), (QStringList{"1", "2", "3", "4"}));  // then the sum, then a blank
     EXPECT_EQ(Column(1)[5], "<none>");
     EXPECT_EQ(Column(3).mid(0, 5), (QStringList{"0", "100", "500000000", "5", "25.125"}));
-
     // A record that shortens leaves blanks; no row goes.
     Feed("DATAH\tA\tB\n");
     EXPECT_EQ(Column(0), (QStringList{"A", "B", "", "", "", "<none>"}));
     EXPECT_EQ(table->rowCount(), 6);
     EXPECT_FALSE(table->item(0, 0)->flags() & Qt::ItemIsEditable);
-}
 
-TEST_F(WatchTable, EitherCellOfAPairChartsTheSameVariable)
-{
-    Feed("DATAH\tA\tB\tCHK\n");
     for (int column : {0, 1})
         window->OnCellDoubleClicked(1, column);
     window->OnCellDoubleClicked(7, 0);  // past the record: a chart with nothing on it
@@ -89,11 +74,8 @@ TEST_F(WatchTable, DragStartsAtThreeDragDistances)
 {
     Feed("DATAH\tA\tB\tCHK\n");
     const int distance = 3 * QApplication::startDragDistance();
-    const struct {
-        int moved;
-        Qt::MouseButtons buttons;
-        bool drags;
-    } cases[] = {{distance - 1, Qt::LeftButton, false}, {distance, Qt::LeftButton, true}, {distance, Qt::NoButton, false}};
+    const struct { int moved; Qt::MouseButtons buttons; bool drags; } cases[] = {
+        {distance - 1, Qt::LeftButton, false}, {distance, Qt::LeftButton, true}, {distance, Qt::NoButton, false}};
     for (const auto& c : cases) {
         QCursor::setPos(200, 200);
         window->OnCellPressed(1, 0);
@@ -134,7 +116,6 @@ TEST_F(WatchTable, LogSwitchIsSharedThroughTheConnector)
     WatchTolvanDialog second(nullptr, test_host(), "tolvan");
     EXPECT_EQ(&second.GetConnector(), &window->GetConnector());
     EXPECT_TRUE(find_button(second, "Stop Log"));
-
     log->click();
     EXPECT_EQ(changed.count(), 2);
     EXPECT_EQ(log->text(), "Log...");

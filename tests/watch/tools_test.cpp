@@ -2,17 +2,14 @@
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QLineEdit>
 #include <QPointer>
 #include <QTemporaryDir>
 
 #include <cmath>
-#include <fstream>
 #include <map>
 
 #include "libskarn/dochalden.h"
 #include "sim/raw_capture.h"
-#include "tests/service/wire.h"
 #include "tests/sim/sim_process.h"
 #include "tests/watch/watch_test_util.h"
 #include "watch/rawdatadialog.h"
@@ -76,7 +73,6 @@ TEST(WatchTools, EveryToolButtonOpensItsOneWorkingWindow)
     EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }, TIMEOUT_MS));
 }
 
-
 bool rows_become(QTreeWidget* tree, int rows)
 {
     return QTest::qWaitFor([&] { return tree->topLevelItemCount() == rows; }, TIMEOUT_MS);
@@ -111,26 +107,6 @@ TEST(WatchCalibration, DravikZerosAddHistoryRowsAndOldOnesClearOnTheInstrument)
     delete window.data();
 }
 
-TEST(WatchCalibration, HaldenZeroAddsAHistoryRowAndRawCaptureOpens)
-{
-    SimProcess sim({"--model", "halden", "--name", "cal-fluor"});
-    ASSERT_TRUE(sim.WaitListening());
-    QPointer<WatchHaldenDialog> window = new WatchHaldenDialog(nullptr, "cal-fluor", "halden");
-    window->Connect("127.0.0.1", 0, sim.port);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window->GetConnector().VarNumeric("cal-fluor:DATA:TIME") > 0; },
-                                TIMEOUT_MS));
-    find_button(*window, "Cal...")->click();
-    QDialog* cal = shown_dialog(*window, "Calibration Control Panel: cal-fluor");
-    Click(group(cal, "DC0"), "Zero");
-    EXPECT_TRUE(rows_become(cal->findChild<QTreeWidget*>(), 1));
-    find_button(*cal, "Advanced...")->click();
-    shown_dialog(*window, "Advanced Calibration: cal-fluor");
-    find_button(*window, "Raw Capture...")->click();
-    shown_dialog(*window, "Raw Data Capture: cal-fluor");
-    delete window.data();
-}
-
 // Where the file first differs from the simulator's bytes; -1 when equal in length and content.
 int64_t first_difference(const std::string& path, int64_t size)
 {
@@ -146,10 +122,24 @@ int64_t first_difference(const std::string& path, int64_t size)
     return at == size ? -1 : at;
 }
 
-TEST(RawCaptureFromSim, ArrivesByteForByte)
+TEST(HaldenFromSim, ZeroAddsAHistoryRowAndRawCapturesArriveByteForByte)
 {
-    SimProcess sim({"--model", "halden", "--name", "rawsim"});
+    SimProcess sim({"--model", "halden", "--name", "cal-fluor"});
     ASSERT_TRUE(sim.WaitListening());
+    QPointer<WatchHaldenDialog> window = new WatchHaldenDialog(nullptr, "cal-fluor", "halden");
+    window->Connect("127.0.0.1", 0, sim.port);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->GetConnector().VarNumeric("cal-fluor:DATA:TIME") > 0; }, TIMEOUT_MS));
+    find_button(*window, "Cal...")->click();
+    QDialog* cal = shown_dialog(*window, "Calibration Control Panel: cal-fluor");
+    Click(group(cal, "DC0"), "Zero");
+    EXPECT_TRUE(rows_become(cal->findChild<QTreeWidget*>(), 1));
+    find_button(*cal, "Advanced...")->click();
+    shown_dialog(*window, "Advanced Calibration: cal-fluor");
+    find_button(*window, "Raw Capture...")->click();
+    shown_dialog(*window, "Raw Data Capture: cal-fluor");
+    delete window.data();
+
     QTemporaryDir dir;
     const QString path = dir.filePath("raw.dat");
     for (int64_t size : {int64_t(1), int64_t(100000), int64_t(20000000)}) {
