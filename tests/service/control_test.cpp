@@ -56,13 +56,11 @@ TEST(HeatersTolvanDialog, ModesEnableTheirFieldsAndInstrumentChangesKeepEdits)
     QPushButton* apply = dialog.findChildren<QPushButton*>()[1];  // after "Refresh"
     EXPECT_FALSE(apply->isEnabled());
     EXPECT_TRUE(deltat->isEnabled());  // all on Auto
-
     Click(top, "On");
     EXPECT_TRUE(power->isEnabled() && !deltat->isEnabled() && apply->isEnabled());
     Click(group(&dialog, "Bottom Heater Control"), "Off");
     for (QSpinBox* field : group(&dialog, "Bottom Heater Control")->findChildren<QSpinBox*>())
         EXPECT_FALSE(field->isEnabled());
-
     power->setValue(55);
     wire.Tell("<arvex><tolvan><cfg><heater><top><heaterpower>70</heaterpower></top></heater></cfg></tolvan></arvex>");
     EXPECT_EQ(power->value(), 55);  // the edit in progress survives
@@ -87,7 +85,6 @@ TEST(RateDialog, OffersTheLeafsRatesAndSendsAChoiceAtOnce)
         items << rates->itemText(i) + "=" + rates->itemData(i).toString();
     EXPECT_EQ(items, QStringList({"Poll=0", "1 Hz=1", "2 Hz=2", "5 Hz=5", "10 Hz=10", "20 Hz=20", "40 Hz=40"}));
     EXPECT_EQ(rates->currentText(), "40 Hz");
-
     rates->setCurrentIndex(rates->findText("10 Hz"));
     EXPECT_EQ(wire.WaitForText("<rate>"), "<arvex><tolvan><output><rate>10</rate></output></tolvan></arvex>\n");
     Click(&dialog, "&Poll");
@@ -96,7 +93,6 @@ TEST(RateDialog, OffersTheLeafsRatesAndSendsAChoiceAtOnce)
     EXPECT_EQ(wire.WaitForText("<polltest>"), command("tolvan", "polltest"));
     wire.Tell("<arvex><tolvan><output><rate>0</rate></output></tolvan></arvex>");
     EXPECT_EQ(rates->currentText(), "Poll");
-
     // A rate that another model's table lacks changes nothing.
     const std::vector<std::string> texts{"1", "5"};
     const std::vector<int> hz{1, 5};
@@ -138,7 +134,6 @@ TEST(FactoryDialogs, ReturnSendsWhatReadsAndCommitAndRollbackGoToTheModel)
               "<arvex><tolvan><factory><laserstarttemp>23.5</laserstarttemp></factory></tolvan></arvex>\n");
     Click(&dialog, "Rollback");
     EXPECT_EQ(wire.WaitForText("<cmd>"), "<arvex><tolvan><factory><cmd><rollback>true</rollback></cmd></factory></tolvan></arvex>\n");
-
     Wire morvik("morvik");
     FactoryMorvikDialog serial(nullptr, "base", &morvik.connector->Doc_Morvik().Conf().Factory());
     morvik.JoinRaw(&serial);
@@ -152,37 +147,31 @@ TEST(FactoryDialogs, ReturnSendsWhatReadsAndCommitAndRollbackGoToTheModel)
 
 std::string clock(const std::string& body) { return "<arvex><tolvan><cfg><clock>" + body + "</clock></cfg></tolvan></arvex>"; }
 
-void focus(QWidget* widget)
-{
-    QFocusEvent event(QEvent::FocusIn, Qt::MouseFocusReason);
-    QApplication::sendEvent(widget, &event);
-}
-
 TEST(ClockTolvanDialog, QueriesWhileShownAndFollowsTheAreasNotBeingEdited)
 {
     std::istringstream zones("UTC|Europe/Oslo|Asia/Tokyo");
     std::ostringstream errors;
     ConfigTimezone().read_doctype(zones, errors);  // as the instrument's descriptor does
-
     Wire wire;
     ClockTolvanDialog dialog(nullptr, "bench", &wire.Doc().Conf().Cfg().Clock());
     wire.JoinRaw(&dialog);
     auto* zone = dialog.findChild<QComboBox*>();
     auto* time = dialog.findChild<DateTimeEdit*>();
     EXPECT_EQ(zone->count(), 3);
-
+    const auto focus = [](QWidget* widget) {
+        QFocusEvent event(QEvent::FocusIn, Qt::MouseFocusReason);
+        QApplication::sendEvent(widget, &event);
+    };
     dialog.show();
     EXPECT_EQ(wire.WaitForText("<clock>&query;"), clock("&query;") + "\n");
     wire.Tell(clock("<time>04:05:06</time><date>2031-02-03</date><zone>Europe/Oslo</zone><ptp>slaveonly</ptp>"));
     EXPECT_EQ(time->dateTime().toString("yyyy-MM-dd hh:mm:ss"), "2031-02-03 04:05:06");
     EXPECT_EQ(zone->currentText(), "Europe/Oslo");
     EXPECT_TRUE(dialog.findChildren<QRadioButton*>()[1]->isChecked());
-
     focus(time);  // the user starts typing a time
     wire.Tell(clock("<time>04:05:07</time><zone>Asia/Tokyo</zone>"));
     EXPECT_EQ(time->dateTime().toString("hh:mm:ss"), "04:05:06");
     EXPECT_EQ(zone->currentText(), "Asia/Tokyo");
-
     focus(zone);
     Click(&dialog, "Refresh");
     wire.Tell(clock("<time>04:05:09</time><zone>UTC</zone>"));
@@ -190,11 +179,9 @@ TEST(ClockTolvanDialog, QueriesWhileShownAndFollowsTheAreasNotBeingEdited)
     EXPECT_EQ(zone->currentText(), "UTC");
     wire.Tell(clock("<time>4.5</time>"));  // unreadable: the editor keeps what it shows
     EXPECT_EQ(time->dateTime().toString("hh:mm:ss"), "04:05:09");
-
     dialog.findChildren<QRadioButton*>()[2]->setChecked(true);
     Click(&dialog, "Apply");
     EXPECT_NE(wire.WaitForText("<ptp>").find("<ptp>preferred</ptp>"), std::string::npos);
-
     dialog.hide();
     auto* timer = dialog.findChild<QTimer*>();
     EXPECT_FALSE(timer->isActive());
@@ -212,7 +199,6 @@ TEST(NetworkTolvanDialog, RebootGoesToTheModelTagASarnelIsReadOnlyAndApplySendsT
         wire.JoinRaw(&dialog);
         Click(&dialog, "Reboot");
         EXPECT_EQ(wire.WaitForText("reboot"), command(type == "tolvan" ? "tolvan" : "morvik", "reboot"));
-
         const auto fields = dialog.findChildren<QLineEdit*>();  // name, address, netmask, gateway
         ASSERT_EQ(fields.size(), 4);
         Click(&dialog, "Manual");

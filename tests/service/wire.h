@@ -97,22 +97,17 @@ inline std::string command(const std::string& model, const std::string& element)
     return "<arvex><" + model + "><cmd><" + element + ">true</" + element + "></cmd></" + model + "></arvex>\n";
 }
 
-/// Presses the button labelled `label` of the next message box; an empty `label` dismisses it.
+/// Presses the button labelled `label` of the message box that the next call opens; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)
 {
-    auto* poll = new QTimer;
-    QObject::connect(poll, &QTimer::timeout, [poll, label] {
+    QTimer::singleShot(0, [label] {  // runs in the box's own event loop
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        poll->deleteLater();
-        poll->stop();
+        ASSERT_TRUE(box) << "no message box";
         for (QAbstractButton* button : box->buttons())
             if (button->text() == label)
                 return button->click();
         box->reject();
     });
-    poll->start(10);
 }
 
 /// The line edits of `parent` in the order they were made, leaving out those inside spin boxes.
