@@ -39,7 +39,6 @@ TEST(ChartStatistics, CompensatedSumsTheLabelCadenceAndADeviationThatWrapsFromN4
         statistics.Add(14, 1);
     // A plain sum would have lost every 1 against 1e16.
     EXPECT_EQ(statistics.Mean(), (1e16 + 10) / 11);
-
     // Clear keeps the time of the last update: the second sample after it may show the mean.
     statistics.Clear();
     const ChartStatistics::Changes first = statistics.Add(15, 3);
@@ -47,7 +46,6 @@ TEST(ChartStatistics, CompensatedSumsTheLabelCadenceAndADeviationThatWrapsFromN4
     EXPECT_TRUE(statistics.Add(15.6, 5).mean);
     EXPECT_EQ(statistics.Mean(), 4);
     EXPECT_DOUBLE_EQ(statistics.StdDev(), std::sqrt(2.0));
-
     ChartStatistics wraps;
     for (int n = 1; n <= 46341; ++n)
         wraps.Add(3.0 * n, n % 2);
@@ -70,7 +68,6 @@ TEST(ChartQueue, KeepsThreeHundredSecondsAndRescansOnlyWhenNeeded)
     EXPECT_FALSE(data.dirty);
     EXPECT_EQ(data.min, 6);  // the sample at 0 is left of the axis
     EXPECT_EQ(data.max, 7);
-
     data.width = 300;
     data._AddData(300, 1);
     EXPECT_EQ(data.times.size(), 4u);
@@ -109,7 +106,6 @@ protected:
         connector->HandleData(with_sum("DATA\t0\t" + std::to_string(seconds) + "\t0\t" + std::to_string(x) + "\t1\t"));
     }
     std::string Var(const std::string& field) { return test_host() + ":DATA:" + field; }
-
     std::shared_ptr<Connector> connector;
 };
 
@@ -162,7 +158,6 @@ TEST_F(Chart, DropsGoOnTheAxisOfTheirHalfAndColoursRestartAtTheEleventhVariable)
     }
     EXPECT_EQ(plot.Variables().size(), 2u);
     EXPECT_EQ(plot.Variables()[0]->owner, &plot);  // the first one dropped owns the chart
-
     for (int i = 2; i < 11; ++i)
         plot._AddPlotItem(Var("X"), false);
     const QwtPlotItemList curves = plot.Plot()->itemList(QwtPlotItem::Rtti_PlotCurve);
@@ -207,55 +202,49 @@ TEST(Waveform, ScaleTakesTheRangeFromTheMiddlePoints)
     }
 }
 
-class WavePlot : public ::testing::Test {
-protected:
-    void Open(const std::string& type, const char* first, const char* second, double x_max, double y_max,
-              bool fixed)
+// A waveform plot of `type` and the connector that feeds it.
+struct WavePlot {
+    WavePlot(const std::string& type, const char* first, const char* second, double x_max, double y_max, bool fixed)
+        : connector(Connector::Factory(nullptr, test_host(), type)),
+          plot(nullptr, test_host() + ":" + first + ":WAVEFORM", test_host() + ":" + second + ":WAVEFORM", "Waveforms",
+               "Reference", "Sample", -x_max, x_max, -49.5, 0, y_max, fixed)
     {
-        connector = Connector::Factory(nullptr, test_host(), type);
-        plot = std::make_unique<PlotWaveDialog>(nullptr, test_host() + ":" + first + ":WAVEFORM",
-                                                test_host() + ":" + second + ":WAVEFORM", "Waveforms", "Reference",
-                                                "Sample", -x_max, x_max, -49.5, 0, y_max, fixed);
     }
-
+    void Feed(const std::string& line) { connector->HandleData(line); }
     std::shared_ptr<Connector> connector;
-    std::unique_ptr<PlotWaveDialog> plot;
+    PlotWaveDialog plot;
 };
 
-TEST_F(WavePlot, TheSecondWaveformSetsTheZoomHeight)
+TEST(WavePlot, TheSecondWaveformSetsTheZoomHeightAndAFixedRangeTakesXFromTheFirst)
 {
-    Open("tolvan", "DATAR", "DATAS", 50, 1, false);
+    WavePlot tolvan("tolvan", "DATAR", "DATAS", 50, 1, false);
+    PlotWaveDialog& plot = tolvan.plot;
     const QRectF start(-50, 0, 100, 1);
-    EXPECT_EQ(plot->Zoomer()->zoomRect(), start);
-    connector->HandleData(waveform("DATAR", {3, 4, 5}));  // the first only repaints
-    EXPECT_EQ(plot->Zoomer()->zoomBase(), start);
-    EXPECT_EQ(plot->First().yMin, 3);
-    connector->HandleData(waveform("DATAS", {-1, 0.5, 2}));
-    EXPECT_EQ(plot->Zoomer()->zoomBase(), QRectF(-50, -1, 100, 3));
-    EXPECT_EQ(plot->Zoomer()->zoomRect(), start);  // the view stays until zoomed out
-    plot->OnZoomOut();
-    EXPECT_EQ(plot->Zoomer()->zoomRect(), QRectF(-50, -1, 100, 3));
-
+    EXPECT_EQ(plot.Zoomer()->zoomRect(), start);
+    tolvan.Feed(waveform("DATAR", {3, 4, 5}));  // the first only repaints
+    EXPECT_EQ(plot.Zoomer()->zoomBase(), start);
+    EXPECT_EQ(plot.First().yMin, 3);
+    tolvan.Feed(waveform("DATAS", {-1, 0.5, 2}));
+    EXPECT_EQ(plot.Zoomer()->zoomBase(), QRectF(-50, -1, 100, 3));
+    EXPECT_EQ(plot.Zoomer()->zoomRect(), start);  // the view stays until zoomed out
+    plot.OnZoomOut();
+    EXPECT_EQ(plot.Zoomer()->zoomRect(), QRectF(-50, -1, 100, 3));
     // A flat waveform normalises to a division by zero, passed on as it is.
-    connector->HandleData(waveform("DATAS", {0.5, 0.5}));
-    plot->OnNormalizedChanged(Qt::Checked);
-    const PlotWaveDialog::_QwtPlotData series(&plot->Second());
+    tolvan.Feed(waveform("DATAS", {0.5, 0.5}));
+    plot.OnNormalizedChanged(Qt::Checked);
+    const PlotWaveDialog::_QwtPlotData series(&plot.Second());
     EXPECT_TRUE(std::isnan(series.sample(1).y()));
     EXPECT_EQ(series.sample(1).x(), -48.5);
     EXPECT_EQ(series.boundingRect(), QRectF(-50, 0, 100, 100));
-}
-
-TEST_F(WavePlot, FixedRangeTakesXFromTheFirstWaveform)
-{
-    Open("dravik", "DATACELLA", "DATACELLB", 0, 65535, true);
-    connector->HandleData(waveform("DATACELLB", {7}));  // one point: no x range
-    EXPECT_EQ(plot->Second().xMax, 0);
-    connector->HandleData(waveform("DATACELLB", {100, 200, 300, 400, 500}));
-    EXPECT_EQ(plot->Second().xMax, 4);
-    EXPECT_EQ(plot->Second().yMax, 65535);
-    EXPECT_EQ(plot->Zoomer()->zoomRect(), QRectF(0, 0, 4, 65535));
-    connector->HandleData(waveform("DATACELLB", {1, 2, 3}));  // only once
-    EXPECT_EQ(plot->Second().xMax, 4);
+    WavePlot dravik("dravik", "DATACELLA", "DATACELLB", 0, 65535, true);
+    dravik.Feed(waveform("DATACELLB", {7}));  // one point: no x range
+    EXPECT_EQ(dravik.plot.Second().xMax, 0);
+    dravik.Feed(waveform("DATACELLB", {100, 200, 300, 400, 500}));
+    EXPECT_EQ(dravik.plot.Second().xMax, 4);
+    EXPECT_EQ(dravik.plot.Second().yMax, 65535);
+    EXPECT_EQ(dravik.plot.Zoomer()->zoomRect(), QRectF(0, 0, 4, 65535));
+    dravik.Feed(waveform("DATACELLB", {1, 2, 3}));  // only once
+    EXPECT_EQ(dravik.plot.Second().xMax, 4);
 }
 
 }  // namespace

@@ -92,14 +92,12 @@ TEST(Stitch, HandWorkedJoin)
         }
     const size_t count = t.size();
     EXPECT_EQ(t.back(), 4.140625f);
-
     // A scan with no estimate, half a degree past the last key: the grid point 4.2 is made once a
     // fourth entry comes, the next one spans the gap, and the walk ends there.
     add(stitch, {{6, {38}}});
     ASSERT_EQ(stitch.Temperatures().size(), count + 2);
     EXPECT_EQ(t[count], 4.203125f);
     EXPECT_EQ(t.back(), (4.21875f + 4.75f) / 2);
-
     // Clear leaves the references of the last result until the next join.
     stitch.Clear();
     EXPECT_TRUE(stitch.Temperatures().empty() && stitch.Samples().empty());
@@ -134,7 +132,7 @@ std::string waveform(const char* record, int count)
 
 std::string status(const std::string& temp) { return with_sum("DATASTAT\t1000\t0\t0\t0\t2.000\t" + temp + "\t"); }
 
-TEST(WideTolvanDialog, StepsByHand)
+TEST(WideTolvanDialog, StepsByHandAndPrintsThroughOneKeptPrintDialog)
 {
     const std::string host = test_host();
     auto link = Connector::Factory(nullptr, host, "tolvan");
@@ -150,13 +148,11 @@ TEST(WideTolvanDialog, StepsByHand)
     dialog.SetStartLaserTemp();
     EXPECT_EQ(sent.at(0), "<arvex><tolvan><factory><delta1>100</delta1></factory><cfg><linelock><lasercooler>"
                           "<control>manual</control><temp>2</temp></lasercooler></linelock></cfg></tolvan></arvex>\n");
-
     // Idle, the label follows the laser and nothing is sent; the waveforms seen count all the same.
     const std::string sample = waveform("DATAS", 100);
     feed({sample, sample, sample, status("12.3456")});
     EXPECT_EQ(dialog.findChild<QLabel*>()->text(), "12.35 C");
     EXPECT_EQ(sent.size(), 1u);
-
     // 99 numbers don't count towards the settling; 101 are taken as the first 100.
     find_button(dialog, "Start")->click();
     feed({waveform("DATAS", 99), status("2.0")});
@@ -169,7 +165,6 @@ TEST(WideTolvanDialog, StepsByHand)
     feed({sample, status("2.25")});
     EXPECT_EQ(points(dialog, 0), 40u);
     EXPECT_EQ(points(dialog, 2), 20u);
-
     // Stopped with two scans and no estimate: no curves, no rows, the laser back at 2 and no more steps.
     EXPECT_EQ(rows(dialog), 8);
     find_button(dialog, "Stop")->click();
@@ -177,21 +172,15 @@ TEST(WideTolvanDialog, StepsByHand)
     EXPECT_EQ(rows(dialog), 0);
     EXPECT_EQ(points(dialog, 1), 0u);
     EXPECT_EQ(set_points(sent), (std::vector<double>{2, 2, 2.25, 2.5, 2}));
-}
-
-TEST(WideTolvanDialog, PrintDialogIsKept)
-{
     QTemporaryDir dir;
     std::vector<QPrintDialog*> seen;
-    WideTolvanDialog::SetPrintDialog([&](QPrintDialog& dialog) {
-        seen.push_back(&dialog);
+    WideTolvanDialog::SetPrintDialog([&](QPrintDialog& print) {
+        seen.push_back(&print);
         if (seen.size() > 1)
             return int(QDialog::Rejected);
-        dialog.printer()->setOutputFileName(dir.filePath("scan.pdf"));
+        print.printer()->setOutputFileName(dir.filePath("scan.pdf"));
         return int(QDialog::Accepted);
     });
-    auto link = Connector::Factory(nullptr, test_host(), "tolvan");
-    WideTolvanDialog dialog(nullptr, test_host(), link->Doc_Tolvan(), "", "", "");
     find_button(dialog, "Print...")->click();
     find_button(dialog, "Print...")->click();
     WideTolvanDialog::SetPrintDialog(nullptr);
@@ -224,7 +213,6 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     Connector& link = window->GetConnector();
     const std::string laser = test_host() + ":DATASTAT:LCTACTUAL";
     ASSERT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(laser) != 0; }, TIMEOUT_MS));
-
     // Opened twice, one window; the first opening sends the laser to 2 °C.
     find_button(*window, "Wide Scan")->click();
     find_button(*window, "Wide Scan")->click();
@@ -234,7 +222,6 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     std::vector<std::string> sent;
     QObject::connect(&dialog, &WideTolvanDialog::SendRawXML, [&](std::string text) { sent.push_back(text); });
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::abs(link.VarNumeric(laser) - 2.0) < 0.001; }, SWEEP_MS));
-
     find_button(dialog, "Start")->click();
     ASSERT_TRUE(QTest::qWaitFor([&] { return sent.size() == 186; }, SWEEP_MS)) << sent.size();
     std::vector<double> expected;
@@ -243,7 +230,6 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     expected.push_back(2);
     EXPECT_EQ(set_points(sent), expected);
     EXPECT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(test_host() + ":DATASTAT:LCTSET") == 2.0; }, TIMEOUT_MS));
-
     find_button(dialog, "Copy To Clipboard")->click();
     const auto stitched = read_columns(std::istringstream(QApplication::clipboard()->text().toStdString()));
     ASSERT_EQ(int(stitched.size()), rows(dialog));
@@ -252,7 +238,6 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     dump.start(SONDAR_SIM, {"--dump-spectrum", dir.filePath("truth")});
     ASSERT_TRUE(dump.waitForFinished(TIMEOUT_MS));
     const auto truth = read_columns(std::ifstream(dir.filePath("truth").toStdString()));
-
     // Over 2 to 48 °C, against the truth between its points: the largest error and the correlation.
     double largest = 0, sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0, n = 0;
     for (const auto& [t, s] : stitched) {
@@ -267,7 +252,6 @@ TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
     EXPECT_GT(n, 800);
     EXPECT_GT(correlation, 0.995) << stitched.size() << " points";
     EXPECT_LT(largest, 0.02);
-
     // Every line of the sample: its peak within 0.03 °C of the truth's (whose own points are
     // 0.0165 °C apart), and at least 85% as deep.
     int lines = 0;
