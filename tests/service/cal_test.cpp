@@ -29,7 +29,7 @@ std::string span(const std::string& gas)
     return "<arvex><tolvan><cal><ch4spanconc>" + gas + "</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n";
 }
 
-TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndClearedWhenConfirmed)
+TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndKeptWhenClearingIsDismissed)
 {
     Wire wire;
     CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
@@ -59,17 +59,11 @@ TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndClearedWhenConfirmed)
     EXPECT_EQ(row(tree, 2)[0], "2026-01-03 08:00:00");
     EXPECT_EQ(tree->topLevelItem(0)->textAlignment(1) & Qt::AlignRight, 0);
     EXPECT_NE(tree->topLevelItem(0)->textAlignment(2) & Qt::AlignRight, 0);
-    wire.Tell(cal("<ch4lastspan>2026-01-03 08:00:00</ch4lastspan>"));
+    // Dismissed, the old records stay; confirmed clearing is run against the simulator by the app's panel test.
     AnswerNextMessageBox("");
     Click(&dialog, "Clear Old History...");
     EXPECT_EQ(tree->topLevelItemCount(), 3);
     EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
-    AnswerNextMessageBox("Clear");
-    Click(&dialog, "Clear Old History...");
-    EXPECT_EQ(wire.WaitForText("<history>"), "<arvex><tolvan><cal><history>" + record("2026-01-03 08:00:00", "CH4 Span") +
-                                                 record("2026-01-02 10:00:00", "CH4 Zero") + "</history></cal></tolvan></arvex>\n");
-    ASSERT_EQ(tree->topLevelItemCount(), 2);
-    EXPECT_EQ(row(tree, 0)[1], "CH4 Zero");
 }
 
 TEST(CalTolvanDialog, HistoryRowsSkipChildrenThatAreNoRecords)

@@ -31,9 +31,8 @@ struct FakeInstrument {
     FakeInstrument() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0)); }
     bool Accept()
     {
-        if (!QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS))
-            return false;
-        return (socket = server.nextPendingConnection()) != nullptr;
+        return QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS) &&
+               (socket = server.nextPendingConnection()) != nullptr;
     }
 
     /// The next line sent that contains `text`; "" if none comes.
