@@ -1,7 +1,5 @@
 // The calibration panels of the Tolvan, Dravik and Halden, with their advanced dialogs.
 
-#include <QDateTimeEdit>
-
 #include <cstdlib>
 #include <ctime>
 

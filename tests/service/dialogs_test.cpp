@@ -1,17 +1,6 @@
 // The Tolvan's control, clock and network windows, the rate, match and factory windows, and the generic
 // configuration dialog with the models' dialogs built on it.
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QDoubleValidator>
-#include <QFocusEvent>
-#include <QGridLayout>
-#include <QIntValidator>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QSpinBox>
-
 #include <climits>
 #include <functional>
 #include <sstream>

@@ -3,20 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QAbstractSpinBox>
-#include <QApplication>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
+// Whole modules: the tests reach into many widgets of each window.
+#include <QtNetwork>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
 #include <string>
