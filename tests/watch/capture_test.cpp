@@ -1,17 +1,10 @@
 // The tool windows of the watch windows against real simulated instruments, and the raw capture's decoder
 // and window fed by hand.
 
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QPointer>
-#include <QProgressBar>
-#include <QTemporaryDir>
-
 #include <cmath>
 #include <iterator>
 #include <map>
 #include <random>
-#include <stdexcept>
 
 #include "foundation/base64.h"
 #include "foundation/zlib.h"

@@ -1,13 +1,8 @@
 // Charts of variables over time, the waveform plots, and the wide spectrum scan: Stitch on constructed scans,
 // the window stepped by hand, a sweep against sondar-sim.
 
-#include <QClipboard>
-#include <QDropEvent>
-#include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QTableView>
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <limits>
@@ -341,7 +336,6 @@ TEST(Stitch, HandWorkedJoin)
     EXPECT_TRUE(stitch.Temperatures().empty() && stitch.Samples().empty());
     EXPECT_EQ(stitch.References().size(), count + 2);
 }
-
 
 std::vector<double> set_points(const std::vector<std::string>& sent)
 {

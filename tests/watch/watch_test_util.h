@@ -1,8 +1,6 @@
 #pragma once
 // Helpers of the watch tests.
 
-#include <QDialog>
-
 #include <fstream>
 #include <sstream>
 

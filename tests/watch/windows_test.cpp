@@ -1,15 +1,6 @@
 // The watch windows: the Tolvan's table with its charts, drags and log switch; the other models' windows,
 // the I/O console and the Morvik's configuration window.
 
-#include <QComboBox>
-#include <QDrag>
-#include <QFileDialog>
-#include <QListWidget>
-#include <QMimeData>
-#include <QMouseEvent>
-#include <QTemporaryDir>
-#include <QTextEdit>
-
 #include <functional>
 
 #include "service/genericconfigdialog.h"
