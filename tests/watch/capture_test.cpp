@@ -102,19 +102,13 @@ TEST(WatchCalibration, DravikZerosAddHistoryRowsAndOldOnesClearOnTheInstrument)
     delete window.data();
 }
 
-// Where the file first differs from the simulator's bytes; -1 when equal in length and content.
-int64_t first_difference(const std::string& path, int64_t size)
+// The simulator's raw bytes: a capture's file must hold exactly these.
+std::string sim_bytes(int64_t size)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::vector<char> chunk(1 << 16);
-    int64_t at = 0;
-    while (in) {
-        in.read(chunk.data(), std::streamsize(chunk.size()));
-        for (std::streamsize i = 0; i < in.gcount(); ++i, ++at)
-            if (at >= size || chunk[size_t(i)] != char(SimRawCapture::Byte(at)))
-                return at;
-    }
-    return at == size ? -1 : at;
+    std::string bytes(size_t(size), '\0');
+    for (int64_t at = 0; at < size; ++at)
+        bytes[size_t(at)] = char(SimRawCapture::Byte(at));
+    return bytes;
 }
 
 TEST(HaldenFromSim, ZeroAddsAHistoryRowAndRawCapturesArriveByteForByte)
@@ -151,7 +145,7 @@ TEST(HaldenFromSim, ZeroAddsAHistoryRowAndRawCapturesArriveByteForByte)
         capture->click();
         ASSERT_FALSE(capture->isEnabled());
         EXPECT_TRUE(QTest::qWaitFor([&] { return capture->isEnabled(); }, 20 * TIMEOUT_MS)) << size;
-        EXPECT_EQ(first_difference(path.toStdString(), size), -1) << size;
+        EXPECT_TRUE(read_file(path.toStdString()) == sim_bytes(size)) << size;
         connector->Disconnect();
     }
     EXPECT_FALSE(sim.Log().contains("dropped")) << sim.Log().toStdString();

@@ -34,7 +34,7 @@ protected:
     MyTableWidget* table = window->findChild<MyTableWidget*>();
 };
 
-TEST_F(WatchTable, PairsFillFromHeadersKeepTheirRowsAndChartFromEitherCell)
+TEST_F(WatchTable, PairsFillFromHeadersKeepTheirRowsAndChartOrDragFromEitherCell)
 {
     EXPECT_EQ(window->windowTitle().toStdString(), "Watching Tolvan: " + test_host());
     QStringList labels;
@@ -71,11 +71,7 @@ TEST_F(WatchTable, PairsFillFromHeadersKeepTheirRowsAndChartFromEitherCell)
     }
     EXPECT_TRUE(plots[2]->Variables().empty());
     EXPECT_EQ(window->GetVarString(0, 9), "");  // no header for DATATEST yet
-}
-
-TEST_F(WatchTable, DragStartsAtThreeDragDistances)
-{
-    Feed("DATAH\tA\tB\tCHK\n");
+    // A drag starts at three drag distances.
     const int distance = 3 * QApplication::startDragDistance();
     const struct { int moved; Qt::MouseButtons buttons; bool drags; } cases[] = {
         {distance - 1, Qt::LeftButton, false}, {distance, Qt::LeftButton, true}, {distance, Qt::NoButton, false}};
