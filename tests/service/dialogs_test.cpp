@@ -232,13 +232,10 @@ struct SmallTree : ConfigurableComposite {
     SmallTree() : ConfigurableComposite("R")
     {
         AttachUnitsAttribute(z, "Hz");
-        zeta.add(z);
-        alpha.add(n);
-        alpha.add(flag);
-        inner.add(s);
-        alpha.add(inner);
-        add(zeta);
-        add(alpha);
+        using Edge = std::pair<ConfigurableComposite*, Configurable*>;
+        for (auto [parent, child] : {Edge{&zeta, &z}, {&alpha, &n}, {&alpha, &flag}, {&inner, &s}, {&alpha, &inner},
+                                     {this, &zeta}, {this, &alpha}})
+            parent->add(*child);
     }
 };
 
