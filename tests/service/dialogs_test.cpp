@@ -133,7 +133,8 @@ TEST(FactoryDialogs, ReturnSendsWhatReadsAndCommitAndRollbackGoToTheModel)
     EXPECT_EQ(wire.WaitForText("<factory>"),
               "<arvex><tolvan><factory><laserstarttemp>23.5</laserstarttemp></factory></tolvan></arvex>\n");
     Click(&dialog, "Rollback");
-    EXPECT_EQ(wire.WaitForText("<cmd>"), "<arvex><tolvan><factory><cmd><rollback>true</rollback></cmd></factory></tolvan></arvex>\n");
+    EXPECT_EQ(wire.WaitForText("<cmd>"),
+              "<arvex><tolvan><factory><cmd><rollback>true</rollback></cmd></factory></tolvan></arvex>\n");
     Wire morvik("morvik");
     FactoryMorvikDialog serial(nullptr, "base", &morvik.connector->Doc_Morvik().Conf().Factory());
     morvik.JoinRaw(&serial);
