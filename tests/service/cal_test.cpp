@@ -1,8 +1,16 @@
+// The calibration panels of the Tolvan, Dravik and Halden, with their advanced dialogs.
+
+#include <cstdlib>
+#include <ctime>
+
+#include "libskarn/docdravik.h"
+#include "libskarn/dochalden.h"
 #include "service/caladvanceddialog.h"
+#include "service/caldravikadvanceddialog.h"
+#include "service/caldravikdialog.h"
+#include "service/calhaldenadvanceddialog.h"
+#include "service/calhaldendialog.h"
 #include "service/caltolvandialog.h"
-
-#include <QDateTimeEdit>
-
 #include "tests/service/wire.h"
 
 namespace {
@@ -12,44 +20,30 @@ std::string record(const std::string& time, const std::string& type)
     return "<record><time>" + time + "</time><type>" + type + "</type><ch4zero>0.5</ch4zero><ch4span>1.25</ch4span></record>";
 }
 
-std::string cal(const std::string& body)
+std::string cal(const std::string& body) { return "<arvex><tolvan><cal>" + body + "</cal></tolvan></arvex>"; }
+
+std::string span(const std::string& gas)
 {
-    return "<arvex><tolvan><cal>" + body + "</cal></tolvan></arvex>";
+    return "<arvex><tolvan><cal><ch4spanconc>" + gas + "</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n";
 }
 
-TEST(CalTolvanDialog, CommandsGoOutAsTypedSpanGasFirst)
-{
-    const struct {
-        const char* button;
-        const char* span_gas;
-        const char* line;
-    } cases[] = {
-        {"Zero", "", "<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n"},
-        {"Span", "2.5", "<arvex><tolvan><cal><ch4spanconc>2.5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
-        {"Span", "", "<arvex><tolvan><cal><ch4spanconc></ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
-        {"Span", " 1,50 µ", "<arvex><tolvan><cal><ch4spanconc> 1,50 µ</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
-        {"Commit", "", "<arvex><tolvan><cmd><calcommit>true</calcommit></cmd></tolvan></arvex>\n"},
-        {"Rollback", "", "<arvex><tolvan><cmd><calrollback>true</calrollback></cmd></tolvan></arvex>\n"},
-    };
-    Wire wire;
-    CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
-    wire.JoinRaw(&dialog);
-    EXPECT_EQ(dialog.windowTitle(), "Calibration Control Panel: bench");
-    for (const auto& c : cases) {
-        dialog.findChild<QLineEdit*>()->setText(QString::fromUtf8(c.span_gas));
-        Click(&dialog, c.button);
-        EXPECT_EQ(wire.WaitForText("<cmd>"), c.line);
-    }
-}
-
-TEST(CalTolvanDialog, DrawsLabelsHistoryAndSpanGasFromTheDocument)
+TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndKeptWhenClearingIsDismissed)
 {
     Wire wire;
     CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
     wire.JoinRaw(&dialog);
     auto* tree = dialog.findChild<QTreeWidget*>();
     auto* span_gas = dialog.findChild<QLineEdit*>();
-
+    const struct { const char* button; const char* span_gas; std::string line; } cases[] = {
+        {"Zero", "", command("tolvan", "ch4zero")}, {"Span", "2.5", span("2.5")}, {"Span", "", span("")},
+        {"Span", " 1,50 µ", span(" 1,50 µ")},  // the span gas goes first, as typed
+        {"Commit", "", command("tolvan", "calcommit")}, {"Rollback", "", command("tolvan", "calrollback")},
+    };
+    for (const auto& c : cases) {
+        span_gas->setText(QString::fromUtf8(c.span_gas));
+        Click(&dialog, c.button);
+        EXPECT_EQ(wire.WaitForText("<cmd>"), c.line);
+    }
     span_gas->setText("7.25");  // being typed when the instrument's value comes
     wire.Tell(cal("<ch4zero>0.012</ch4zero><ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4spanconc>3</ch4spanconc>"
                   "<history>" + record("2026-01-03 08:00:00", "CH4 Span") + record("2026-01-01 09:30:00", "CH4 Zero") +
@@ -57,13 +51,17 @@ TEST(CalTolvanDialog, DrawsLabelsHistoryAndSpanGasFromTheDocument)
     EXPECT_EQ(span_gas->text(), "3.0");
     EXPECT_EQ(label_texts(&dialog).mid(0, 2),
               QStringList({"Last Zero: 0.012; 2026-01-02 10:00:00", "Last Span: 1; 1989-01-01 00:00:00"}));
-
     ASSERT_EQ(tree->topLevelItemCount(), 3);
     EXPECT_EQ(row(tree, 0), QStringList({"2026-01-01 09:30:00", "CH4 Zero", "0.5", "1.25"}));
     EXPECT_EQ(row(tree, 1)[0], "2026-01-02 10:00:00");
     EXPECT_EQ(row(tree, 2)[0], "2026-01-03 08:00:00");
     EXPECT_EQ(tree->topLevelItem(0)->textAlignment(1) & Qt::AlignRight, 0);
     EXPECT_NE(tree->topLevelItem(0)->textAlignment(2) & Qt::AlignRight, 0);
+    // Dismissed, the old records stay; confirmed clearing is run against the simulator by the app's panel test.
+    AnswerNextMessageBox("");
+    Click(&dialog, "Clear Old History...");
+    EXPECT_EQ(tree->topLevelItemCount(), 3);
+    EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
 }
 
 TEST(CalTolvanDialog, HistoryRowsSkipChildrenThatAreNoRecords)
@@ -72,33 +70,7 @@ TEST(CalTolvanDialog, HistoryRowsSkipChildrenThatAreNoRecords)
     cal.History().add(*new ConfigurableString("note", "x"));
     EXPECT_TRUE(CalTolvanHistoryRows(cal.History()).empty());
     cal.History().add(*new ConfigCalRecord(Timestamp(2026, 3, 4, 5, 6, 7), "CH4 Zero", 0.25f, 2));
-    const auto rows = CalTolvanHistoryRows(cal.History());
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0], QStringList({"2026-03-04 05:06:07", "CH4 Zero", "0.25", "2"}));
-}
-
-TEST(CalTolvanDialog, ClearOldHistoryOnlyWhenConfirmed)
-{
-    Wire wire;
-    CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
-    wire.JoinRaw(&dialog);
-    wire.Tell(cal("<ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4lastspan>2026-01-03 08:00:00</ch4lastspan><history>" +
-                  record("2026-01-01 09:30:00", "CH4 Zero") + record("2026-01-02 10:00:00", "CH4 Zero") +
-                  record("2026-01-03 08:00:00", "CH4 Span") + "</history>"));
-    auto* tree = dialog.findChild<QTreeWidget*>();
-
-    AnswerNextMessageBox("");
-    Click(&dialog, "Clear Old History...");
-    EXPECT_EQ(tree->topLevelItemCount(), 3);
-    EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
-
-    AnswerNextMessageBox("Clear");
-    Click(&dialog, "Clear Old History...");
-    const std::string sent = wire.WaitForText("<history>");
-    EXPECT_EQ(sent, "<arvex><tolvan><cal><history>" + record("2026-01-03 08:00:00", "CH4 Span") +
-                        record("2026-01-02 10:00:00", "CH4 Zero") + "</history></cal></tolvan></arvex>\n");
-    ASSERT_EQ(tree->topLevelItemCount(), 2);
-    EXPECT_EQ(row(tree, 0)[1], "CH4 Zero");
+    EXPECT_EQ(CalTolvanHistoryRows(cal.History()), std::vector<QStringList>({{"2026-03-04 05:06:07", "CH4 Zero", "0.25", "2"}}));
 }
 
 TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
@@ -107,12 +79,10 @@ TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
     CalAdvancedDialog dialog(nullptr, "bench", &wire.Doc());
     wire.Join(&dialog);
     QObject::connect(&dialog, &CalAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
-    EXPECT_EQ(dialog.windowTitle(), "Advanced Calibration: bench");
     wire.Tell(cal("<ch4zero>0.5</ch4zero><ch4lastspan>2025-06-07 08:09:10</ch4lastspan>"));
     const auto edits = Edits(&dialog);  // zero, span, span gas
     ASSERT_EQ(edits.size(), 3u);
     EXPECT_EQ(edits[0]->text(), "0.5");
-
     edits[1]->setText("1.5");
     edits[2]->setText("no number");  // left as it was, without a word
     QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
@@ -120,14 +90,129 @@ TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
     EXPECT_EQ(wire.WaitForText("<cal>"), "<arvex><tolvan><cal><ch4span>1.5</ch4span></cal></tolvan></arvex>\n");
     EXPECT_EQ(forced.count(), 2);  // the send, then the forced read
     EXPECT_EQ(edits[2]->text(), "2");
-
     Click(&dialog, "Apply");  // nothing differs: nothing goes out, the read is still forced
     EXPECT_EQ(forced.count(), 3);
-
     const QDateTime before = QDateTime::currentDateTimeUtc();
     Click(&dialog, "Now");
-    const QDateTime shown = dialog.findChild<QDateTimeEdit*>()->dateTime();
-    EXPECT_LE(std::abs(QDateTime(before.date(), before.time()).secsTo(shown)), 5);
+    EXPECT_LE(std::abs(QDateTime(before.date(), before.time()).secsTo(dialog.findChild<QDateTimeEdit*>()->dateTime())), 5);
+}
+
+// Three hours east of UTC, with no daylight saving, whatever the machine's zone; the machine's again after.
+struct EastOfUtc {
+    const char* zone = std::getenv("TZ");
+    const std::string saved = zone ? zone : "";
+    EastOfUtc() { setenv("TZ", "XYZ-3", 1), tzset(); }
+    ~EastOfUtc() { zone ? setenv("TZ", saved.c_str(), 1) : unsetenv("TZ"), tzset(); }
+};
+
+TEST(CalDravikDialog, EveryCommandOnTheWireTheDocumentDrawnInLocalTimeAndAnAdvancedApply)
+{
+    const EastOfUtc east;
+    const struct { const char* group; const char* button; const char* element; } commands[] = {
+        {"CO2A", "Zero", "co2azero"}, {"CO2B", "Zero", "co2bzero"}, {"H2OA", "Zero", "h2oazero"},
+        {"H2OB", "Zero", "h2obzero"}, {"TCell A", "Zero", "tazero"}, {"TCell B", "Zero", "tbzero"},
+        {"SS A", "Reset", "ssa_reset"}, {"SS B", "Reset", "ssb_reset"}, {"Flow Meter", "Zero", "flowmeterzero"},
+        {"Flow A", "Zero", "flowazero"}, {"Flow B", "Zero", "flowbzero"},
+        {"Chamber Pressure", "Zero", "chamberpressurezero"},
+    };
+    const struct { const char* group; int n; const char* gas; } spans[] = {
+        {"CO2A", 1, "350.5"}, {"CO2A", 2, ""}, {"CO2B", 1, "301"}, {"CO2B", 2, "1,2e3 x"},  // as typed, unchecked
+        {"H2OA", 1, "20"}, {"H2OA", 2, "90"}, {"H2OB", 1, "25"}, {"H2OB", 2, "95"}};
+    Wire wire("dravik");
+    CalDravikDialog dialog(nullptr, "head", &wire.connector->Doc_Dravik(), false);
+    wire.JoinRaw(&dialog);
+    auto* tree = dialog.findChild<QTreeWidget*>();
+    ASSERT_EQ(tree->columnCount(), 23);
+    QLineEdit* span2 = group(&dialog, "H2OB")->findChildren<QLineEdit*>()[1];
+    QLineEdit* oxygen = group(&dialog, "Oxygen %")->findChild<QLineEdit*>();
+    EXPECT_EQ(span2->text(), "0.0");  // the defaults give way to the document at once
+    EXPECT_EQ(oxygen->text(), "21.0");
+    for (const auto& c : commands) {
+        Click(group(&dialog, c.group), c.button);
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), command("dravik", c.element)) << c.group;
+    }
+    for (const auto& s : spans) {
+        group(&dialog, s.group)->findChildren<QLineEdit*>()[s.n - 1]->setText(s.gas);
+        Click(group(&dialog, s.group), "Span" + QString::number(s.n));
+        const std::string ch = QString(s.group).toLower().toStdString(), n = std::to_string(s.n);
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><" + ch + "spanconc" + n + ">" + s.gas + "</" + ch +
+                                                      "spanconc" + n + "></cal><cmd><" + ch + "span" + n + ">true</" + ch +
+                                                      "span" + n + "></cmd></dravik></arvex>\n");
+    }
+    oxygen->setText("20.5");
+    Click(group(&dialog, "Oxygen %"), "Apply");
+    EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><oxygen>20.5</oxygen></cal></dravik></arvex>\n");
+    for (const char* change : {"<co2azero>0.98</co2azero><h2obspanconc2>95</h2obspanconc2><oxygen>20.9</oxygen>",
+                               "<co2azero>0.97</co2azero>"}) {
+        span2->setText("being typed");
+        oxygen->setText("being typed");
+        wire.Tell("<arvex><dravik><cal>" + std::string(change) + "</cal></dravik></arvex>");
+        EXPECT_EQ(span2->text(), "95.0");
+        EXPECT_EQ(oxygen->text(), "20.9");
+    }
+    EXPECT_TRUE(label_texts(group(&dialog, "CO2A")).contains("Zero: 0.97"));
+    EXPECT_TRUE(label_texts(group(&dialog, "SS B")).contains("Ref: 50000"));
+    wire.Tell("<arvex><dravik><history><record><time>1700003600</time><type>H2OA Span2: 20</type>"
+              "<h2oaspan2>0.98765432</h2oaspan2></record><record><time>1700000000</time><type>CO2A Zero</type>"
+              "<co2azero>0.95</co2azero><oxygen>20.5</oxygen></record></history></dravik></arvex>");
+    ASSERT_EQ(tree->topLevelItemCount(), 2);
+    const QStringList oldest = row(tree, 0);  // in local time, not UTC's 22:13:20
+    EXPECT_EQ(oldest.mid(0, 3), QStringList({"2023-11-15 01:13:20", "CO2A Zero", "0.95"}));
+    EXPECT_EQ(oldest[16] + " " + oldest[22], "50000 20.5");  // SS A Ref, Oxygen
+    EXPECT_EQ(row(tree, 1)[10], "0.987654");
+    EXPECT_FALSE(find_button(dialog, "Undo")->isEnabled() || find_button(dialog, "Redo")->isEnabled());
+    // The advanced window applies what reads as a float, and forces a read.
+    CalDravikAdvancedDialog advanced(nullptr, "head", &wire.connector->Doc_Dravik());
+    wire.Join(&advanced);
+    QObject::connect(&advanced, &CalDravikAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
+    EXPECT_TRUE(label_texts(group(&advanced, "H2OA")).contains("mmol/mol"));
+    EXPECT_TRUE(label_texts(group(&advanced, "CO2B")).contains("µmol/mol"));
+    group(&advanced, "CO2A")->findChildren<QLineEdit*>()[0]->setText("0.5");
+    group(&advanced, "SS B")->findChild<QLineEdit*>()->setText("no number");
+    group(&advanced, "Chamber Pressure")->findChild<QLineEdit*>()->setText("2.75");
+    QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
+    Click(&advanced, "Apply");
+    EXPECT_EQ(wire.WaitForText("<cal>"), "<arvex><dravik><cal><co2azero>0.5</co2azero>"
+                                         "<chamberpressurezero>2.75</chamberpressurezero></cal></dravik></arvex>\n");
+    EXPECT_EQ(forced.count(), 2);  // the send, then the forced read
+    EXPECT_EQ(group(&advanced, "SS B")->findChild<QLineEdit*>()->text(), "50000");
+}
+
+TEST(CalHaldenDialog, WholeCountsZerosAndAnAdvancedApplyThroughAFloat)
+{
+    Wire wire("halden");
+    DocHalden& doc = wire.connector->Doc_Halden();
+    CalHaldenDialog dialog(nullptr, "fluor", &doc, false);
+    CalHaldenAdvancedDialog advanced(nullptr, "fluor", &doc);
+    wire.JoinRaw(&dialog);
+    wire.Join(&advanced);
+    EXPECT_TRUE(label_texts(&dialog).contains("Zero: 0"));
+    for (const auto& [box, element] : {std::pair{"DC0", "zero_dc0"}, std::pair{"Pc0", "zero_pc0"}}) {
+        Click(group(&dialog, box), "Zero");
+        EXPECT_EQ(wire.WaitForText("<cmd>"), command("halden", element));
+    }
+    wire.Tell("<arvex><halden><cal><DC0>412</DC0><Pc0>-37</Pc0></cal><history><record><time>2026-02-03 04:05:06</time>"
+              "<type>DC0 Zero</type><DC0>412</DC0><Pc0>123456789</Pc0></record></history></halden></arvex>");
+    EXPECT_TRUE(label_texts(group(&dialog, "DC0")).contains("Zero: 412"));
+    EXPECT_TRUE(label_texts(group(&dialog, "Pc0")).contains("Zero: -37"));
+    auto* tree = dialog.findChild<QTreeWidget*>();
+    ASSERT_EQ(tree->topLevelItemCount(), 1);
+    EXPECT_EQ(row(tree, 0), QStringList({"2026-02-03 04:05:06", "DC0 Zero", "412", "123456789"}));
+    EXPECT_FALSE(find_button(dialog, "Undo")->isEnabled() || find_button(dialog, "Redo")->isEnabled());
+    const struct { const char* dc0; const char* pc0; int64_t want_dc0, want_pc0; } cases[] = {
+        {"16777217", "12.9", 16777216, 12},  // beyond 2^24 a float rounds; a fraction is cut off
+        {"many", "-7.5", 16777216, -7},      // the other field still applies
+        {"123456789", "", 123456792, -7},
+    };
+    for (const auto& c : cases) {
+        advanced.findChildren<QLineEdit*>()[0]->setText(c.dc0);
+        advanced.findChildren<QLineEdit*>()[1]->setText(c.pc0);
+        Click(&advanced, "Apply");
+        EXPECT_EQ(doc.Conf().Cal().DC0().get(), c.want_dc0) << c.dc0;
+        EXPECT_EQ(doc.Conf().Cal().Pc0().get(), c.want_pc0) << c.pc0;
+    }
+    Click(&advanced, "Refresh");
+    EXPECT_EQ(advanced.findChildren<QLineEdit*>()[0]->text(), "123456792");
 }
 
 }  // namespace

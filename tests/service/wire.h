@@ -3,19 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QAbstractSpinBox>
-#include <QApplication>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
+// Whole modules: the tests reach into many widgets of each window.
+#include <QtNetwork>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
 #include <string>
@@ -30,10 +21,8 @@ struct FakeInstrument {
     FakeInstrument() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost, 0)); }
     bool Accept()
     {
-        if (!QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS))
-            return false;
-        socket = server.nextPendingConnection();
-        return socket != nullptr;
+        return QTest::qWaitFor([&] { return server.hasPendingConnections(); }, WIRE_TIMEOUT_MS) &&
+               (socket = server.nextPendingConnection()) != nullptr;
     }
 
     /// The next line sent that contains `text`; "" if none comes.
@@ -55,9 +44,8 @@ struct FakeInstrument {
 };
 
 struct Wire : FakeInstrument {
-    explicit Wire(const std::string& type = "tolvan")
+    explicit Wire(const std::string& type = "tolvan") : connector(std::make_shared<Connector>(nullptr, "wire-test", type))
     {
-        connector = std::make_shared<Connector>(nullptr, "wire-test", type);
         connector->Connect("127.0.0.1", 0, server.serverPort());
         EXPECT_TRUE(Accept());
         EXPECT_TRUE(QTest::qWaitFor([&] { return connector->ConnectedTo() != ""; }, WIRE_TIMEOUT_MS));
@@ -92,22 +80,23 @@ struct Wire : FakeInstrument {
     std::shared_ptr<Connector> connector;
 };
 
-/// Presses the button labelled `label` of the next message box; an empty `label` dismisses it.
+/// The line of a one-shot command `element` to a `model`.
+inline std::string command(const std::string& model, const std::string& element)
+{
+    return "<arvex><" + model + "><cmd><" + element + ">true</" + element + "></cmd></" + model + "></arvex>\n";
+}
+
+/// Presses the button labelled `label` of the message box that the next call opens; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)
 {
-    auto* poll = new QTimer;
-    QObject::connect(poll, &QTimer::timeout, [poll, label] {
+    QTimer::singleShot(0, [label] {  // runs in the box's own event loop
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        poll->deleteLater();
-        poll->stop();
+        ASSERT_TRUE(box) << "no message box";
         for (QAbstractButton* button : box->buttons())
             if (button->text() == label)
                 return button->click();
         box->reject();
     });
-    poll->start(10);
 }
 
 /// The line edits of `parent` in the order they were made, leaving out those inside spin boxes.
@@ -118,6 +107,15 @@ inline std::vector<QLineEdit*> Edits(QWidget* parent)
         if (!qobject_cast<QAbstractSpinBox*>(edit->parentWidget()))
             edits.push_back(edit);
     return edits;
+}
+
+/// The push button of `window` that reads `text`, or null.
+inline QPushButton* find_button(const QWidget& window, const QString& text)
+{
+    for (QPushButton* button : window.findChildren<QPushButton*>())
+        if (button->text() == text)
+            return button;
+    return nullptr;
 }
 
 /// Clicks the first button of `parent` labelled `label`.

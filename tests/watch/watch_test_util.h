@@ -1,34 +1,14 @@
 #pragma once
 // Helpers of the watch tests.
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QDialog>
-#include <QLabel>
-#include <QPushButton>
-
 #include <fstream>
-#include <memory>
 #include <sstream>
-#include <string>
 
 #include "tests/link/link_test_util.h"
+#include "tests/service/wire.h"
 
 /// The running test's name: a host of its own in the connector registry.
-inline std::string test_host()
-{
-    return ::testing::UnitTest::GetInstance()->current_test_info()->name();
-}
-
-/// The push button of `window` that reads `text`, or null.
-inline QPushButton* find_button(const QWidget& window, const QString& text)
-{
-    for (QPushButton* button : window.findChildren<QPushButton*>())
-        if (button->text() == text)
-            return button;
-    return nullptr;
-}
+inline std::string test_host() { return ::testing::UnitTest::GetInstance()->current_test_info()->name(); }
 
 /// The one visible window of `window` titled `title`.
 inline QDialog* shown_dialog(const QWidget& window, const QString& title)
