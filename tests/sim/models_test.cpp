@@ -2,88 +2,53 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
-
 #include <cmath>
-#include <iterator>
 #include <set>
-#include <string>
-#include <vector>
 
-#include "foundation/base64.h"
-#include "foundation/zlib.h"
-#include "link/connector.h"
-#include "sim/raw_capture.h"
 #include "sim_process.h"
-#include "sim_test_util.h"
 
 namespace {
 
-struct Model {
-    const char* word;
-    std::string fresh_query;  ///< the whole of a fresh document
-};
-
-std::vector<Model> models()
-{
-    return {
-        {"dravik", compact_query(DocDravik())},   {"quenta", compact_query(DocQuenta())},
-        {"halden", compact_query(DocHalden())},   {"bremmel", compact_query(DocBremmel())},
-        {"ostrel", compact_query(DocOstrel())},
-    };
-}
-
-// Runs `sondar-sim --stdio --model <model>` on `input`; its output lines, and -1 or its exit code.
-std::vector<std::string> run_stdio(const char* model, const std::string& input, int* status = nullptr)
-{
-    QProcess sim;
-    sim.start(SONDAR_SIM, {"--stdio", "--model", model});
-    EXPECT_TRUE(sim.waitForStarted(TIMEOUT_MS)) << model;
-    sim.write(input.data(), qint64(input.size()));
-    sim.closeWriteChannel();
-    EXPECT_TRUE(sim.waitForFinished(TIMEOUT_MS)) << model;
-    if (status)
-        *status = sim.exitStatus() == QProcess::NormalExit ? sim.exitCode() : -1;
-    return split_lines(sim.readAllStandardOutput().toStdString());
-}
-
+// `sondar-sim --stdio` answers one line per line in. The line end that ends a choice error stays on
+// the line as \\n; nothing clears the flags, so a fresh document answers &query_changes; whole.
 TEST(SimStdio, OneLineOutPerLineIn)
 {
-    int status = -1;
-    auto lines = run_stdio("tolvan",
-                           "<arvex>&query;</arvex>\n"
-                           "<arvex><tolvan><name>&query_item;</name></tolvan></arvex>\n"
-                           "<arvex><tolvan><name>lab bench</name></tolvan></arvex>\n"
-                           "<arvex><tolvan><name>&query_item;</name></tolvan></arvex>\n"
-                           "<arvex><tolvan><output><rate>fast</rate></output></tolvan></arvex>\n",
-                           &status);
-    EXPECT_EQ(status, 0);
-    ASSERT_EQ(lines.size(), 5u);
-    EXPECT_EQ(without_clock_time(lines[0]), without_clock_time(compact_query(DocTolvan())));
-    // The line end that ends a choice error stays on the line as \\n.
-    EXPECT_EQ(std::vector<std::string>(lines.begin() + 1, lines.end()),
-              (std::vector<std::string>{"", "", "lab bench", "<Error Param=\"rate\">invalid option: fast\\n</Error>"}));
-}
-
-TEST(SimStdio, MorvikAndSarnelShareTheMorvikDocument)
-{
-    for (const char* model : {"morvik", "sarnel"}) {
-        auto lines = run_stdio(model, "<arvex><morvik><factory><serialnumber>&query_item;</serialnumber></factory></morvik></arvex>\n"
-                                      "<arvex><sarnel><name>&query_item;</name></sarnel></arvex>\n"
-                                      "<arvex>&query_changes;</arvex>\n");
-        // Nothing clears the flags, so a fresh document answers with all of it.
-        ASSERT_EQ(lines.size(), 3u) << model;
-        lines[2] = without_clock_time(lines[2]);
-        EXPECT_EQ(lines, (std::vector<std::string>{"ch4-base-XXXX", "", without_clock_time(compact_query(DocMorvik()))}));
-    }
-}
-
-TEST(SimStdio, AnswersTheWholeDocumentOfEveryModel)
-{
-    for (const Model& model : models()) {
-        int status = -1;
-        EXPECT_EQ(run_stdio(model.word, "<arvex>&query;</arvex>\n", &status), std::vector<std::string>{model.fresh_query});
-        EXPECT_EQ(status, 0) << model.word;
+    const std::string name = "<arvex><tolvan><name>&query_item;</name></tolvan></arvex>\n";
+    const std::string morvik = "<arvex><morvik><factory><serialnumber>&query_item;</serialnumber></factory></morvik>"
+                               "</arvex>\n<arvex><sarnel><name>&query_item;</name></sarnel></arvex>\n"
+                               "<arvex>&query_changes;</arvex>\n";
+    const std::string query = "<arvex>&query;</arvex>\n";
+    const struct {
+        const char* model;
+        std::string input;
+        std::vector<std::string> output;
+    } cases[] = {
+        {"tolvan", query + name + "<arvex><tolvan><name>lab bench</name></tolvan></arvex>\n" + name +
+                       "<arvex><tolvan><output><rate>fast</rate></output></tolvan></arvex>\n",
+         {compact_query(DocTolvan()), "", "", "lab bench", "<Error Param=\"rate\">invalid option: fast\\n</Error>"}},
+        {"morvik", morvik, {"ch4-base-XXXX", "", compact_query(DocMorvik())}},
+        {"sarnel", morvik, {"ch4-base-XXXX", "", compact_query(DocMorvik())}},
+        {"dravik", query, {compact_query(DocDravik())}},
+        {"quenta", query, {compact_query(DocQuenta())}},
+        {"halden", query, {compact_query(DocHalden())}},
+        {"bremmel", query, {compact_query(DocBremmel())}},
+        {"ostrel", query, {compact_query(DocOstrel())}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.model);
+        QProcess sim;
+        sim.start(SONDAR_SIM, {"--stdio", "--model", c.model});
+        ASSERT_TRUE(sim.waitForStarted(TIMEOUT_MS));
+        sim.write(c.input.data(), qint64(c.input.size()));
+        sim.closeWriteChannel();
+        ASSERT_TRUE(sim.waitForFinished(TIMEOUT_MS));
+        EXPECT_EQ(sim.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(sim.exitCode(), 0);
+        std::vector<std::string> lines = split_lines(sim.readAllStandardOutput().toStdString()), expected = c.output;
+        for (std::vector<std::string>* each : {&lines, &expected})
+            for (std::string& line : *each)
+                line = without_clock_time(line);
+        EXPECT_EQ(lines, expected);
     }
 }
 
@@ -251,50 +216,6 @@ TEST_F(SimModelLink, Halden)
     link->OnSendRawXML("x\nout\n");
     const size_t before = heard.data.size();
     EXPECT_TRUE(QTest::qWaitFor([&] { return heard.data.size() > before + 2; }, TIMEOUT_MS));
-}
-
-// Decodes the raw capture of a stream as the raw data window does: each line alone.
-std::string inflate_capture(const std::vector<std::string>& payloads)
-{
-    std::string compressed;
-    for (const std::string& payload : payloads)
-        Base64Decode(payload.begin(), payload.end(), std::back_inserter(compressed));
-    std::string bytes;
-    Inflate(compressed.begin(), compressed.end(), std::back_inserter(bytes));
-    return bytes;
-}
-
-std::string meant(int64_t size)
-{
-    std::string bytes;
-    for (int64_t i = 0; i < size; ++i)
-        bytes += char(SimRawCapture::Byte(i));
-    return bytes;
-}
-
-TEST(SimRawCapture, LinesDecodeAloneAndInflateToTheBytes)
-{
-    for (int64_t size : {int64_t(1), int64_t(1000), int64_t(200000)}) {
-        SimRawCapture capture(size);
-        std::string stream;
-        while (!capture.Done())
-            stream += capture.Lines(30000);
-        const auto lines = split_lines(stream);
-        ASSERT_FALSE(lines.empty());
-        EXPECT_EQ(lines.back(), "DATAFLRAW\t");
-        std::vector<std::string> payloads;
-        for (size_t i = 0; i + 1 < lines.size(); ++i) {
-            ASSERT_EQ(lines[i].compare(0, 10, "DATAFLRAW\t"), 0) << lines[i];
-            payloads.push_back(lines[i].substr(10));
-            EXPECT_EQ(payloads.back().size() % 4, 0u);
-            // Padding only at the very end: every other line is whole groups.
-            if (i + 2 < lines.size()) {
-                EXPECT_EQ(payloads.back().find('='), std::string::npos) << i;
-            }
-        }
-        EXPECT_EQ(inflate_capture(payloads), meant(size)) << size;
-        EXPECT_EQ(capture.Lines(100), "");
-    }
 }
 
 TEST_F(SimModelLink, Bremmel)

@@ -1,23 +1,14 @@
-// The real sondar-sim on 127.0.0.1, with the real Connector and bare sockets as clients.
+// The real sondar-sim on 127.0.0.1, with the real Connector and bare sockets as clients; faults between them.
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <fstream>
-#include <functional>
-#include <sstream>
 
-#include "link/connector.h"
-#include "sim/spectrum.h"
 #include "sim_process.h"
-#include "sim_test_util.h"
 
 namespace {
 
@@ -31,18 +22,17 @@ protected:
     }
     void TearDown() override { Connector::SetMessageBox([](QWidget*, const QString&, const QString&) {}); }
 
-    /// A link of `type` to the simulator, listened to by `heard`, with its opening sequence done.
-    std::shared_ptr<Connector> Link(const std::string& name, const std::string& type, int port, Heard& heard)
+    /// A link to the simulated Tolvan, listened to by `heard`, with its opening sequence done:
+    /// the replica is filled once the Tolvan's selection is back.
+    std::shared_ptr<Connector> Link(const std::string& name, int port, Heard& heard)
     {
-        auto link = std::make_shared<Connector>(nullptr, name, type);
+        auto link = std::make_shared<Connector>(nullptr, name, "tolvan");
         for (const char* record : {"DATA", "DATAEVENT"})
             link->RegisterListener(record, &heard);
         link->Connect("127.0.0.1", 0, port);
-        // The replica is filled once the name has come, and for a Tolvan once its selection is back.
         EXPECT_TRUE(QTest::qWaitFor([&] {
-            const std::string doc = compact_query(link->Doc());
-            return doc.find("<waveforms>true</waveforms><status>true</status><dataclock>true") != std::string::npos ||
-                   (type != "tolvan" && doc.find("<name>" + std::string(name) + "</name>") != std::string::npos);
+            return compact_query(link->Doc()).find("<waveforms>true</waveforms><status>true</status><dataclock>true") !=
+                   std::string::npos;
         }, TIMEOUT_MS)) << name;
         return link;
     }
@@ -50,61 +40,35 @@ protected:
     std::vector<QString> boxes;
 };
 
-TEST_F(SimNetwork, TheOpeningSequenceMirrorsTheDocument)
+// One simulated Tolvan for a link that mirrors it, a second that shares it, and clients that
+// misbehave: one that sends garbage, or does not read, or never ends its line, costs the links nothing.
+TEST_F(SimNetwork, OneInstrumentServesItsLinksWhateverOtherClientsDo)
 {
-    for (const std::string model : {"tolvan", "morvik"}) {
-        SimProcess sim({"--model", QString::fromStdString(model), "--name", "mirror"});
-        ASSERT_TRUE(sim.WaitListening()) << model;
-        Heard heard;
-        auto link = Link("mirror", model, sim.port, heard);
-
-        const std::string truth = query_truth(sim.port);
-        EXPECT_NE(truth.find("<name>mirror</name>"), std::string::npos);
-        EXPECT_EQ(without_clock_time(compact_query(link->Doc())), without_clock_time(truth)) << model;
-        EXPECT_FALSE(link->Header("DATAH").empty());
-    }
-}
-
-TEST_F(SimNetwork, DataArriveAtTheRate)
-{
-    SimProcess sim({"--model", "tolvan", "--name", "rate", "--rate", "10"});
+    SimProcess sim({"--model", "tolvan", "--name", "shared", "--rate", "10"});
     ASSERT_TRUE(sim.WaitListening());
-    Heard heard;
-    auto link = Link("rate", "tolvan", sim.port, heard);
-    ASSERT_TRUE(heard.WaitForData(20));
+    Heard heard, heard_b;
+    auto a = Link("shared-a", sim.port, heard);
+    const std::string truth = query_truth(sim.port);
+    EXPECT_NE(truth.find("<name>shared</name>"), std::string::npos);
+    EXPECT_EQ(without_clock_time(compact_query(a->Doc())), without_clock_time(truth));
+    EXPECT_FALSE(a->Header("DATAH").empty());
+
     // The records are stamped 0.1 s apart, and arrive no faster: more than a second apart
     // cannot be a burst, however the machine stalls.
+    ASSERT_TRUE(heard.WaitForData(20));
     for (size_t i = 1; i < heard.times.size(); ++i)
         EXPECT_NEAR(heard.times[i] - heard.times[i - 1], 0.1, 1e-6) << i;
     EXPECT_GE(heard.arrivals.back() - heard.arrivals.front(), 800);
-}
 
-TEST_F(SimNetwork, AChangeFromOneReplicaReachesTheOther)
-{
-    SimProcess sim({"--model", "tolvan", "--name", "shared"});
-    ASSERT_TRUE(sim.WaitListening());
-    Heard heard_a, heard_b;
-    auto a = Link("shared-a", "tolvan", sim.port, heard_a);
-    auto b = Link("shared-b", "tolvan", sim.port, heard_b);
-
-    ConfigLaserCooler& cooler = a->Doc_Tolvan().Conf().Cfg().Linelock().Lasercooler();
-    cooler.Temp().set(31.5f);
+    // A change from one replica reaches the other.
+    auto b = Link("shared-b", sim.port, heard_b);
+    a->Doc_Tolvan().Conf().Cfg().Linelock().Lasercooler().Temp().set(31.5f);
     a->Doc_Tolvan().Conf().Cfg().Heater().Top().Heaterpower().set(55);
     a->OnSendXMLChanges();
-
     DocTolvan& other = b->Doc_Tolvan();
     ASSERT_TRUE(QTest::qWaitFor([&] { return other.Conf().Cfg().Heater().Top().Heaterpower().get() == 55; },
                                 TIMEOUT_MS));
     EXPECT_EQ(other.Conf().Cfg().Linelock().Lasercooler().Temp().get(), 31.5f);
-}
-
-// A client that sends garbage, or does not read, or never ends its line, costs the others nothing.
-TEST_F(SimNetwork, BadClientsStallNobody)
-{
-    SimProcess sim({"--model", "tolvan", "--name", "vandal"});
-    ASSERT_TRUE(sim.WaitListening());
-    Heard heard;
-    auto link = Link("victim", "tolvan", sim.port, heard);
 
     std::string nested, queries;
     for (int i = 0; i < 20000; ++i)
@@ -125,7 +89,7 @@ TEST_F(SimNetwork, BadClientsStallNobody)
         EXPECT_TRUE(heard.WaitForData(3)) << input.substr(0, 40);
     }
     vandal.Send("<arvex><tolvan><name>&query_item;</name></tolvan></arvex>\n");
-    EXPECT_EQ(vandal.WaitFor([](const std::string& line) { return line.rfind("vandal", 0) == 0; }), "vandal\n");
+    EXPECT_EQ(vandal.WaitFor([](const std::string& line) { return line.rfind("shared", 0) == 0; }), "shared\n");
 
     RawClient sluggard;
     sluggard.socket.setReadBufferSize(4096);
@@ -146,7 +110,7 @@ TEST_F(SimNetwork, ARebootClosesEveryClientAndComesBack)
     SimProcess sim({"--model", "tolvan", "--name", "phoenix"});
     ASSERT_TRUE(sim.WaitListening());
     Heard heard;
-    auto link = Link("phoenix", "tolvan", sim.port, heard);
+    auto link = Link("phoenix", sim.port, heard);
     QSignalSpy disconnected(link.get(), &Connector::Disconnected);
     link->OnSendRawXML("<arvex><tolvan><cmd><reboot>true</reboot></cmd></tolvan></arvex>\n");
     ASSERT_TRUE(disconnected.wait(TIMEOUT_MS));
@@ -229,17 +193,106 @@ TEST(SimCommandLine, BadArgumentsAreRefused)
     EXPECT_EQ(run_to_end({"--model", "tolvan", "--name", "x", "--port", QString::number(taken.serverPort())}), 1);
 }
 
-TEST(SimCommandLine, DumpSpectrumWritesTheGroundTruth)
+TEST_F(SimNetwork, AKilledInstrumentLosesNoLoggedLine)
 {
     QTemporaryDir dir;
-    const QString path = dir.filePath("spectrum.txt");
-    ASSERT_EQ(run_to_end({"--dump-spectrum", path}), 0);
-    std::ifstream file(path.toStdString());
-    std::stringstream written;
-    written << file.rdbuf();
-    std::ostringstream truth;
-    SimSpectrum::Dump(truth);
-    EXPECT_EQ(written.str(), truth.str());
+    const std::string path = dir.filePath("log.txt").toStdString();
+    SimProcess sim({"--model", "morvik", "--name", "mortal", "--rate", "20"});
+    ASSERT_TRUE(sim.WaitListening());
+    Heard data;
+    auto link = std::make_shared<Connector>(nullptr, "mortal", "morvik");
+    link->RegisterListener("DATA", &data);
+    link->Connect("127.0.0.1", 0, sim.port);
+    ASSERT_TRUE(data.WaitForData(2));
+    // The opening sequence mirrors the document.
+    const std::string truth = without_clock_time(query_truth(sim.port));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return without_clock_time(compact_query(link->Doc())) == truth; }, TIMEOUT_MS));
+    link->SetLogFileName(path);
+    link->StartLoggingToFile();
+    data.times.clear();
+    ASSERT_TRUE(data.WaitForData(20));
+    const std::string replica = compact_query(link->Doc());
+    QSignalSpy disconnected(link.get(), &Connector::Disconnected);
+    sim.process.kill();
+    ASSERT_TRUE(disconnected.count() > 0 || disconnected.wait(TIMEOUT_MS));
+    EXPECT_EQ(compact_query(link->Doc()), replica);
+    EXPECT_NE(replica.find("<name>mortal</name>"), std::string::npos);
+
+    // The program goes on: the same link reaches the instrument when it is back, into the same file.
+    SimProcess again({"--model", "morvik", "--name", "mortal", "--rate", "20"});
+    ASSERT_TRUE(again.WaitListening());
+    link->Connect("127.0.0.1", 0, again.port);
+    ASSERT_TRUE(data.WaitForData(5));
+    link->StopLoggingToFile();
+    EXPECT_FALSE(link->IsLogging());
+
+    // Every record taken is in the file, in order, and every line of the file is whole.
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    ASSERT_FALSE(text.str().empty());
+    EXPECT_EQ(text.str().back(), '\n');
+    const std::vector<std::string> header = fields(records(text.str(), "DATAH").at(0));
+    const auto column = [&](const char* name) { return size_t(std::find(header.begin(), header.end(), name) - header.begin()); };
+    const size_t seconds = column("SECONDS"), nanoseconds = column("NANOSECONDS");
+    std::vector<double> logged;
+    for (const std::string& line : records(text.str(), "DATA")) {
+        EXPECT_TRUE(Connector::VerifyCheckSum(line)) << line;
+        const std::vector<std::string> cells = fields(line);
+        ASSERT_GT(cells.size(), nanoseconds) << line;
+        logged.push_back(std::stod(cells[seconds]) + std::stod(cells[nanoseconds]) / 1e9);
+    }
+    EXPECT_EQ(logged, data.times);
+}
+
+// Between the link and the simulator: hands every byte on in a segment of its own, and towards the
+// link waits until the link has read it, so that every line is cut at every position.
+TEST_F(SimNetwork, LinesCutIntoOneByteSegmentsArriveWhole)
+{
+    SimProcess sim({"--model", "morvik", "--name", "slowpoke"});
+    ASSERT_TRUE(sim.WaitListening());
+    QTcpServer relay;
+    ASSERT_TRUE(relay.listen(QHostAddress::LocalHost, 0));
+    Heard data;
+    auto link = std::make_shared<Connector>(nullptr, "slowpoke", "morvik");
+    link->RegisterListener("DATA", &data);
+    link->Connect("127.0.0.1", 0, relay.serverPort());
+    ASSERT_TRUE(relay.waitForNewConnection(TIMEOUT_MS));
+    QTcpSocket* to_link = relay.nextPendingConnection();
+    to_link->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    QTcpSocket to_sim;
+    to_sim.connectToHost(QHostAddress::LocalHost, quint16(sim.port));
+    ASSERT_TRUE(to_sim.waitForConnected(TIMEOUT_MS));
+    to_sim.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    QObject::connect(to_link, &QTcpSocket::readyRead, [&] {
+        for (char byte : to_link->readAll()) {
+            to_sim.write(&byte, 1);
+            to_sim.flush();
+        }
+    });
+
+    QTcpSocket* link_socket = link->findChild<QTcpSocket*>();
+    ASSERT_NE(link_socket, nullptr);
+    QSignalSpy reads(link_socket, &QTcpSocket::readyRead);
+    std::string pending, handed;
+    while (records(handed, "DATA").size() < 3 || handed.back() != '\n') {
+        ASSERT_TRUE(QTest::qWaitFor([&] {
+            pending += to_sim.readAll().toStdString();
+            return !pending.empty();
+        }, TIMEOUT_MS));
+        const int before = reads.count();
+        to_link->write(pending.data(), 1);
+        to_link->flush();
+        handed += pending[0];
+        pending.erase(0, 1);
+        ASSERT_TRUE(reads.count() > before || reads.wait(TIMEOUT_MS)) << handed.size();
+    }
+
+    EXPECT_NE(compact_query(link->Doc()).find("<name>slowpoke</name>"), std::string::npos);
+    const std::vector<std::string> lines = records(handed, "DATA");
+    ASSERT_EQ(data.times.size(), lines.size());
+    const std::vector<std::string> last = fields(lines.back());
+    EXPECT_EQ(link->VarStrings("DATA"), std::vector<std::string>(last.begin() + 1, last.end()));
 }
 
 }  // namespace
