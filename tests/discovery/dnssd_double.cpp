@@ -65,10 +65,14 @@ DnsSdCall& Record(const std::string& function, DNSServiceFlags flags, std::uint3
     return world().calls.back();
 }
 
-bool IsLive(DNSServiceRef ref)
+// False, and a failure of the test, for a reference that is not live.
+bool IsLive(DNSServiceRef ref, const char* function)
 {
     const auto& refs = world().refs;
-    return std::find(refs.begin(), refs.end(), ref) != refs.end();
+    if (std::find(refs.begin(), refs.end(), ref) != refs.end())
+        return true;
+    ADD_FAILURE() << function << " on a reference that is not live";
+    return false;
 }
 
 DNSServiceErrorType TakeFailure(const std::string& function)
@@ -82,7 +86,7 @@ DNSServiceErrorType TakeFailure(const std::string& function)
     return code;
 }
 
-DNSServiceRef NewRef(const std::string& function, void* context)
+DNSServiceRef NewRef(DNSServiceRef* sdRef, const std::string& function, void* context)
 {
     int fds[2];
     if (pipe2(fds, O_CLOEXEC) != 0) {
@@ -95,7 +99,7 @@ DNSServiceRef NewRef(const std::string& function, void* context)
     ref->read_fd = fds[0];
     ref->write_fd = fds[1];
     world().refs.push_back(ref);
-    return ref;
+    return *sdRef = ref;
 }
 
 void Queue(DNSServiceRef ref, Answer answer)
@@ -105,29 +109,28 @@ void Queue(DNSServiceRef ref, Answer answer)
     EXPECT_EQ(write(ref->write_fd, &byte, 1), 1);
 }
 
-void QueueBrowse(DNSServiceRef ref, DNSServiceFlags flags, std::uint32_t interface_index, DNSServiceErrorType code,
-                 const std::string& name, const std::string& type, const std::string& domain)
-{
-    const DNSServiceBrowseReply reply = ref->browse_reply;
-    void* context = ref->context;
-    Queue(ref, {kDNSServiceErr_NoError, [=](DNSServiceRef r) {
-                    reply(r, flags, interface_index, code, name.c_str(), type.c_str(), domain.c_str(), context);
-                }});
-}
-
 // A batch of answers: all but the last say that more are coming.
 DNSServiceFlags BatchFlags(std::size_t i, std::size_t count, DNSServiceFlags flags)
 {
     return i + 1 < count ? flags | kDNSServiceFlagsMoreComing : flags;
 }
 
-std::vector<DNSServiceRef> BrowsesFor(const std::string& type)
+// Tells the live browses for `type`, or only `only`, of a service that came or went, or of an error.
+void TellBrowses(const std::string& type, DNSServiceFlags flags, std::uint32_t interface_index,
+                 DNSServiceErrorType code, const std::string& name, const std::string& domain,
+                 DNSServiceRef only = nullptr)
 {
-    std::vector<DNSServiceRef> browses;
-    for (DNSServiceRef ref : world().refs)
-        if (ref->function == "Browse" && ref->type == type)
-            browses.push_back(ref);
-    return browses;
+    for (DNSServiceRef ref : world().refs) {
+        if (ref->function != "Browse" || ref->type != type || (only && ref != only))
+            continue;
+        const DNSServiceBrowseReply reply = ref->browse_reply;
+        void* context = ref->context;
+        const std::string answer_type = code ? "" : type;
+        Queue(ref, {kDNSServiceErr_NoError, [=](DNSServiceRef r) {
+                        reply(r, flags, interface_index, code, name.c_str(), answer_type.c_str(), domain.c_str(),
+                              context);
+                    }});
+    }
 }
 
 }  // namespace
@@ -152,9 +155,7 @@ void DnsSdDouble::Reset()
 void DnsSdDouble::Announce(const FakeService& service)
 {
     world().services.push_back(service);
-    for (DNSServiceRef ref : BrowsesFor(service.type))
-        QueueBrowse(ref, kDNSServiceFlagsAdd, service.interface_index, kDNSServiceErr_NoError, service.name,
-                    service.type, service.domain);
+    TellBrowses(service.type, kDNSServiceFlagsAdd, service.interface_index, 0, service.name, service.domain);
 }
 
 void DnsSdDouble::Withdraw(const std::string& name)
@@ -165,9 +166,7 @@ void DnsSdDouble::Withdraw(const std::string& name)
     ASSERT_NE(found, services.end()) << name;
     const FakeService service = *found;
     services.erase(found);
-    for (DNSServiceRef ref : BrowsesFor(service.type))
-        QueueBrowse(ref, 0, service.interface_index, kDNSServiceErr_NoError, service.name, service.type,
-                    service.domain);
+    TellBrowses(service.type, 0, service.interface_index, 0, service.name, service.domain);
 }
 
 void DnsSdDouble::AddRecord(const FakeRecord& record)
@@ -182,8 +181,7 @@ void DnsSdDouble::FailNext(const std::string& function, DNSServiceErrorType code
 
 void DnsSdDouble::BrowseError(const std::string& type, DNSServiceErrorType code)
 {
-    for (DNSServiceRef ref : BrowsesFor(type))
-        QueueBrowse(ref, 0, 0, code, "", "", "");
+    TellBrowses(type, 0, 0, code, "", "");
 }
 
 void DnsSdDouble::FailProcessing(DNSServiceRef ref, DNSServiceErrorType code)
@@ -233,7 +231,7 @@ DNSServiceErrorType DNSSD_API DNSServiceBrowse(DNSServiceRef* sdRef, DNSServiceF
     call.domain = Text(domain);
     if (const DNSServiceErrorType code = TakeFailure("Browse"))
         return code;
-    DNSServiceRef ref = NewRef("Browse", context);
+    DNSServiceRef ref = NewRef(sdRef, "Browse", context);
     ref->type = regtype;
     ref->browse_reply = callBack;
     std::vector<FakeService> found;
@@ -241,9 +239,8 @@ DNSServiceErrorType DNSSD_API DNSServiceBrowse(DNSServiceRef* sdRef, DNSServiceF
         if (service.type == ref->type)
             found.push_back(service);
     for (std::size_t i = 0; i < found.size(); ++i)
-        QueueBrowse(ref, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index,
-                    kDNSServiceErr_NoError, found[i].name, found[i].type, found[i].domain);
-    *sdRef = ref;
+        TellBrowses(ref->type, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index, 0,
+                    found[i].name, found[i].domain, ref);
     return kDNSServiceErr_NoError;
 }
 
@@ -256,9 +253,9 @@ DNSServiceErrorType DNSSD_API DNSServiceResolve(DNSServiceRef* sdRef, DNSService
     call.domain = Text(domain);
     if (const DNSServiceErrorType code = TakeFailure("Resolve"))
         return code;
-    DNSServiceRef ref = NewRef("Resolve", context);
+    DNSServiceRef ref = NewRef(sdRef, "Resolve", context);
     for (const FakeService& s : world().services) {
-        if (s.name != Text(name) || s.type != Text(regtype) || s.domain != Text(domain))
+        if (s.name != call.name || s.type != call.type || s.domain != call.domain)
             continue;
         Queue(ref, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
                         const std::string full_name = s.name + "." + s.type + "." + s.domain;
@@ -268,7 +265,6 @@ DNSServiceErrorType DNSSD_API DNSServiceResolve(DNSServiceRef* sdRef, DNSService
                     }});
         break;
     }
-    *sdRef = ref;
     return kDNSServiceErr_NoError;
 }
 
@@ -282,10 +278,10 @@ DNSServiceErrorType DNSSD_API DNSServiceQueryRecord(DNSServiceRef* sdRef, DNSSer
     call.rrclass = rrclass;
     if (const DNSServiceErrorType code = TakeFailure("QueryRecord"))
         return code;
-    DNSServiceRef ref = NewRef("QueryRecord", context);
+    DNSServiceRef ref = NewRef(sdRef, "QueryRecord", context);
     std::vector<FakeRecord> found;
     for (const FakeRecord& record : world().records)
-        if (record.host == Text(fullname) && record.rrtype == rrtype)
+        if (record.host == call.name && record.rrtype == rrtype)
             found.push_back(record);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const DNSServiceFlags answer_flags = BatchFlags(i, found.size(), kDNSServiceFlagsAdd);
@@ -294,7 +290,6 @@ DNSServiceErrorType DNSSD_API DNSServiceQueryRecord(DNSServiceRef* sdRef, DNSSer
                                  std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
                     }});
     }
-    *sdRef = ref;
     return kDNSServiceErr_NoError;
 }
 
@@ -312,14 +307,13 @@ DNSServiceErrorType DNSSD_API DNSServiceRegister(DNSServiceRef* sdRef, DNSServic
     call.data.assign(static_cast<const char*>(txtRecord), txtLen);
     if (const DNSServiceErrorType code = TakeFailure("Register"))
         return code;
-    DNSServiceRef ref = NewRef("Register", context);
+    DNSServiceRef ref = NewRef(sdRef, "Register", context);
     const std::string registered_domain = domain && *domain ? domain : "local.";
     const DNSServiceErrorType answer_code = TakeFailure("RegisterReply");
     Queue(ref, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
                     callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
                              registered_domain.c_str(), context);
                 }});
-    *sdRef = ref;
     return kDNSServiceErr_NoError;
 }
 
@@ -336,19 +330,13 @@ DNSServiceErrorType DNSSD_API DNSServiceReconfirmRecord(DNSServiceFlags flags, u
 
 int DNSSD_API DNSServiceRefSockFD(DNSServiceRef sdRef)
 {
-    if (!IsLive(sdRef)) {
-        ADD_FAILURE() << "DNSServiceRefSockFD on a reference that is not live";
-        return -1;
-    }
-    return sdRef->read_fd;
+    return IsLive(sdRef, "DNSServiceRefSockFD") ? sdRef->read_fd : -1;
 }
 
 DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
 {
-    if (!IsLive(sdRef)) {
-        ADD_FAILURE() << "DNSServiceProcessResult on a reference that is not live";
+    if (!IsLive(sdRef, "DNSServiceProcessResult"))
         return kDNSServiceErr_BadReference;
-    }
     char byte;
     if (read(sdRef->read_fd, &byte, 1) != 1 || sdRef->answers.empty()) {
         ADD_FAILURE() << "DNSServiceProcessResult without an answer waiting";
@@ -365,13 +353,10 @@ DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
 
 void DNSSD_API DNSServiceRefDeallocate(DNSServiceRef sdRef)
 {
-    auto& refs = world().refs;
-    const auto found = std::find(refs.begin(), refs.end(), sdRef);
-    if (found == refs.end()) {
-        ADD_FAILURE() << "DNSServiceRefDeallocate on a reference that is not live";
+    if (!IsLive(sdRef, "DNSServiceRefDeallocate"))
         return;
-    }
-    refs.erase(found);
+    auto& refs = world().refs;
+    refs.erase(std::find(refs.begin(), refs.end(), sdRef));
     close(sdRef->read_fd);
     close(sdRef->write_fd);
     delete sdRef;
