@@ -56,6 +56,7 @@ TEST(CommandLine, Table) {
         EXPECT_EQ(c.address, r.address) << shown;
         EXPECT_EQ(c.port, r.port) << shown;
     }
+    EXPECT_EQ(ParseCommandLine({}).mode, CommandLine::MAIN);  // not even the program's name
 }
 
 // Each row gives its instruments as "name|model|address|scope|port;" and its errors.
@@ -93,10 +94,6 @@ TEST(CommandLine, InstrumentsNamedByHand) {
             got << error;
         EXPECT_EQ(got.str(), row.expected);
     }
-}
-
-TEST(CommandLine, NoArgumentsAtAll) {
-    EXPECT_EQ(ParseCommandLine({}).mode, CommandLine::MAIN);
 }
 
 }  // namespace

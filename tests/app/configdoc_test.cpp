@@ -64,17 +64,13 @@ TEST(ConfigDoc, EverythingOfAFullFile)
     EXPECT_EQ(flash.service + "|" + flash.version + "|" + flash.uboot, "tolvan morvik|1.2|u7");
     EXPECT_TRUE(flash.standalone);
     ASSERT_EQ(flash.cmds.size(), 2u);
-    const CmdConfig& erase = *flash.cmds[0];
-    EXPECT_EQ(erase.cmd + "|" + erase.description, "erase all|Erase");
-    EXPECT_EQ(erase.runtime, 30);
-    EXPECT_TRUE(erase.nofail && erase.nooutput);
-    EXPECT_EQ(erase.retrycount, 2);
-    EXPECT_EQ(erase.retrywait, 5);
     // Attributes that were not given count as their defaults.
-    const CmdConfig& plain = *flash.cmds[1];
-    EXPECT_EQ(plain.cmd + "|" + plain.description, "plain|");
-    EXPECT_EQ(plain.runtime, 0);
-    EXPECT_FALSE(plain.nofail || plain.nooutput);
+    const auto shown = [](const CmdConfig& c) {
+        return c.cmd + "|" + c.description + "|" + std::to_string(c.runtime) + "|" + std::to_string(c.nofail) + "|" +
+               std::to_string(c.nooutput) + "|" + std::to_string(c.retrycount) + "|" + std::to_string(c.retrywait);
+    };
+    EXPECT_EQ(shown(*flash.cmds[0]), "erase all|Erase|30|1|1|2|5");
+    EXPECT_EQ(shown(*flash.cmds[1]), "plain||0|0|0|0|0");
     EXPECT_EQ(buttons[1]->service, "");
     EXPECT_FALSE(buttons[1]->standalone);
     EXPECT_TRUE(buttons[1]->cmds.empty());
@@ -144,19 +140,14 @@ TEST(Defines, DefineOfADefine)
 
 TEST(Defines, Json)
 {
-    const struct {
-        Defines defines;
-        const char* json;
-    } rows[] = {
-        {Defines(), "null\n"},
-        {Make({{"name", "ch4"}, {"ip", "fe80::1%2"}}), "{\"ip\":\"fe80::1%2\",\"name\":\"ch4\"}\n"},
-        {Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}}), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n"},
-    };
-    for (const auto& row : rows) {
+    const auto json = [](const Defines& defines) {
         std::ostringstream out;
-        out << row.defines;
-        EXPECT_EQ(out.str(), row.json);
-    }
+        out << defines;
+        return out.str();
+    };
+    EXPECT_EQ(json(Defines()), "null\n");
+    EXPECT_EQ(json(Make({{"name", "ch4"}, {"ip", "fe80::1%2"}})), "{\"ip\":\"fe80::1%2\",\"name\":\"ch4\"}\n");
+    EXPECT_EQ(json(Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}})), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n");
 }
 
 // Buttons strip before applying, commands after: a value's line break stays in a caption only.

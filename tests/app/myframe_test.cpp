@@ -99,10 +99,8 @@ TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
     EXPECT_EQ(other.host, "other.local.");
     EXPECT_EQ(other.addresses, std::set<SocketAddress>{Address("127.0.0.1", 4410)});
     EXPECT_EQ(other.txt, (Txt{{"company", "Arvex"}, {"model", ""}, {"ver", ""}}));
-}
 
-TEST_F(Panel, FourthHeaderIsBlankForAnUpdateProgram)
-{
+    // The fourth header is blank for an update program.
     const std::pair<const char*, const char*> rows[] = {
         {"/opt/arvex/sondar", "Log File"}, {"/opt/Arvex Update/sondar", " "},
         {"C:\\UPDATES\\sondar.exe", " "}, {"/opt/updat/sondar", "Log File"}};
@@ -150,7 +148,7 @@ TEST_F(Panel, TypeWordModelColumnAndWindow)
     EXPECT_TRUE(_frame->opened.empty());
 }
 
-TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
+TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnlyRemovalTakesTheFirst)
 {
     Make();
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
@@ -172,18 +170,14 @@ TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
     EXPECT_EQ(_frame->Instruments()[0].type, "tolvan");
     Select("ch4-1");
     EXPECT_EQ(Info(), head + "<tr><td><strong>IP: </strong>fe80::1%3:4410</td></tr>" + tail);
-}
 
-TEST_F(Panel, RemoveTakesTheFirstOfThatNameWhateverTheType)
-{
-    Make();
-    Announce("dup", "_arvex-tolvan._tcp", Address("10.0.0.1", 4410), {});
-    Announce("DUP", "_arvex-halden._tcp", Address("10.0.0.2", 4430), {});
-    _frame->RemoveService("dup", "_arvex-halden._tcp", "local.");
+    // A removal takes the first of that name (case counts), whatever the type, and always rebuilds.
+    Announce("CH4-1", "_arvex-halden._tcp", Address("10.0.0.2", 4430), {});
+    _frame->RemoveService("ch4-1", "_arvex-halden._tcp", "local.");
     EXPECT_EQ(Rows().size(), 2u);
-    EXPECT_EQ(Rows()[0][0], "DUP");
-    Select("DUP");
-    _frame->RemoveService("missing", "", "");  // still rebuilds
+    EXPECT_EQ(Rows()[0][0], "CH4-1");
+    Select("CH4-1");
+    _frame->RemoveService("missing", "", "");
     EXPECT_TRUE(Tree().selectedItems().isEmpty());
     EXPECT_EQ(Rows().size(), 2u);
 }
@@ -202,24 +196,6 @@ TEST_F(Panel, LogFileColumnFollowsTheConnector)
     connector->StopLoggingToFile();
     _frame->OnRefresh();
     EXPECT_EQ(Rows()[0][3], "");
-}
-
-TEST_F(Panel, WatchDialsTheLinkLocalAddressWithItsScope)
-{
-    Make();
-    _frame->OnWatchTolvanButtonClicked();  // nothing selected: nothing opens
-    EXPECT_TRUE(_frame->opened.empty());
-    Announce("both", "_arvex-tolvan._tcp", Address("10.0.0.5", 4410), {{"model", "Tolvan"}});
-    Announce("both", "_arvex-tolvan._tcp", Address("fe80::5", 4410, 4), {});
-    Announce("global", "_arvex-tolvan._tcp", Address("2001:db8::5", 4410), {{"model", "Tolvan"}});
-    Announce("global", "_arvex-tolvan._tcp", Address("10.0.0.6", 4410), {});
-    Select("both");
-    _frame->OnWatchTolvanButtonClicked();
-    Select("global");
-    _frame->OnWatchTolvanButtonClicked();
-    EXPECT_EQ(_frame->opened, (std::vector<Request>{{Window::WatchTolvan, "both", "tolvan", "fe80::5", 4, 4410, true},
-                                                    {Window::WatchTolvan, "global", "tolvan", "10.0.0.6", 0, 4410,
-                                                     true}}));
 }
 
 TEST_F(Panel, OtherParsing)
@@ -411,6 +387,14 @@ TEST_F(Panel, InstrumentsNamedByHandAreListedAsIfAnnounced)
 TEST_F(Panel, DiscoveredInstrumentsAreListed)
 {
     DescriptionFile file("<config><services><service>_arvex-tolvan._tcp</service></services></config>");
+    // A service error is printed and never thrown.
+    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
+    testing::internal::CaptureStdout();
+    Make();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "ERROR: Unable to browse for service: _arvex-tolvan._tcp: Unknown Error\n");
+    EXPECT_EQ(Rows().size(), 1u);
+
     FakeService tolvan;
     tolvan.name = "ch4-sim-1";
     tolvan.type = "_arvex-tolvan._tcp";
@@ -432,16 +416,54 @@ TEST_F(Panel, DiscoveredInstrumentsAreListed)
     EXPECT_EQ(Rows()[0][0], "Other...");
 }
 
-// A service error is printed and never thrown.
-TEST_F(Panel, BrowseFailureIsPrinted)
+TEST(InstInfo, NamesSortWithoutRegardToCase)
 {
-    DescriptionFile file("<config><services><service>_arvex-tolvan._tcp</service></services></config>");
-    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
-    testing::internal::CaptureStdout();
-    Make();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "ERROR: Unable to browse for service: _arvex-tolvan._tcp: Unknown Error\n");
-    EXPECT_EQ(Rows().size(), 1u);
+    std::vector<InstInfo> list;
+    for (const char* name : {"gamma", "Beta", "alpha", "Other...", "beta2", "ALPHA1"})
+        list.push_back(InstInfo{name, {}, "", "", {}});
+    std::stable_sort(list.begin(), list.end());
+    std::vector<std::string> names;
+    for (const InstInfo& info : list)
+        names.push_back(info.name);
+    EXPECT_EQ(names, (std::vector<std::string>{"alpha", "ALPHA1", "Beta", "beta2", "gamma", "Other..."}));
+}
+
+// IPv6 link-local with its scope first (when asked for), then IPv4, then any IPv6.
+TEST(InstInfo, AddressSelection)
+{
+    const struct {
+        const char* what;
+        std::set<SocketAddress> addresses;
+        bool prefer_ipv6;
+        std::string address;
+        int scope, port;
+        std::string ll;  // SelectIPv6LL
+    } rows[] = {
+        {"none", {}, true, "", 0, 0, ""},
+        {"link-local beats IPv4", {Address("10.0.0.5", 4410), Address("fe80::1", 4411, 3)}, true, "fe80::1", 3, 4411,
+         "fe80::1%3"},
+        {"IPv4 when not preferring IPv6", {Address("10.0.0.5", 4410), Address("fe80::1", 4411, 3)}, false,
+         "10.0.0.5", 0, 4410, "fe80::1%3"},
+        {"global IPv6 comes last", {Address("2001:db8::7", 4412), Address("10.0.0.5", 4410)}, true, "10.0.0.5", 0,
+         4410, "10.0.0.5"},
+        {"global IPv6 alone", {Address("2001:db8::7", 4412)}, true, "2001:db8::7", 0, 4412, "2001:db8::7"},
+        {"IPv4 link-local is no IPv6", {Address("169.254.1.2", 4410), Address("2001:db8::7", 4412)}, true,
+         "169.254.1.2", 0, 4410, "169.254.1.2"},
+        {"link-local among globals", {Address("2001:db8::7", 4412), Address("fe80::9", 4413, 2)}, true, "fe80::9", 2,
+         4413, "fe80::9%2"},
+        {"link-local without scope", {Address("fe80::9", 4413)}, true, "fe80::9", 0, 4413, "fe80::9"},
+        {"first IPv4 by set order", {Address("10.0.0.9", 4410), Address("10.0.0.5", 4410)}, false, "10.0.0.5", 0,
+         4410, "10.0.0.5"},
+    };
+    for (const auto& row : rows) {
+        const InstInfo info{"x", row.addresses, "x.local.", "tolvan", {}};
+        int scope = -1, port = -1;
+        EXPECT_EQ(info.SelectIPAddress(row.prefer_ipv6, &scope, &port), row.address) << row.what;
+        EXPECT_EQ(scope, row.scope) << row.what;
+        EXPECT_EQ(port, row.port) << row.what;
+        EXPECT_EQ(info.SelectIPAddress(row.prefer_ipv6), row.address) << row.what;
+        EXPECT_EQ(info.SelectIPv6LL(), row.ll) << row.what;
+    }
 }
 
 }  // namespace

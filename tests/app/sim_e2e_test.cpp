@@ -37,6 +37,11 @@ void click(QWidget* parent, const QString& label)
     ADD_FAILURE() << "no button " << label.toStdString();
 }
 
+bool filled(const QTableWidget& table, int row, int column)
+{
+    return table.item(row, column) && !table.item(row, column)->text().isEmpty();
+}
+
 TEST(CalibrationPanel, ZeroSpanAndClearOldHistoryAgainstTheSimulator)
 {
     SimProcess sim({"--model", "tolvan", "--name", "sim-tolvan"});
@@ -76,12 +81,6 @@ TEST(CalibrationPanel, ZeroSpanAndClearOldHistoryAgainstTheSimulator)
 
     click(window, "Close");
     EXPECT_TRUE(QTest::qWaitFor([&] { return alive.isNull(); }, TIMEOUT_MS));
-}
-
-
-bool filled(const QTableWidget& table, int row, int column)
-{
-    return table.item(row, column) && !table.item(row, column)->text().isEmpty();
 }
 
 TEST(ModelsEndToEnd, EveryRowOpensItsWindowWithLiveValues)
@@ -130,10 +129,8 @@ TEST(ModelsEndToEnd, EveryRowOpensItsWindowWithLiveValues)
     }
 }
 
-
 // "Other..." opens a watch on a simulated Tolvan, which stays open while the instrument reboots and
 // goes on when it is dialled again.
-
 TEST(WatchEndToEnd, OtherRowOpensALiveWatchThatOutlivesAReboot)
 {
     SimProcess sim({"--model", "tolvan", "--name", "e2e-tolvan", "--rate", "10"});
@@ -155,10 +152,7 @@ TEST(WatchEndToEnd, OtherRowOpensALiveWatchThatOutlivesAReboot)
 
     // Row 5 of "DATASTAT" is the laser's temperature; "DATA" shows from the first "DATASTAT" after it.
     auto* table = watch->findChild<MyTableWidget*>();
-    const auto filled = [&](int row, int column) {
-        return table->item(row, column) && !table->item(row, column)->text().isEmpty();
-    };
-    ASSERT_TRUE(QTest::qWaitFor([&] { return filled(5, 3) && filled(0, 1); }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return filled(*table, 5, 3) && filled(*table, 0, 1); }, TIMEOUT_MS));
     EXPECT_EQ(table->item(5, 2)->text(), "LCTACTUAL");
     watch->OnCellDoubleClicked(5, 2);
     auto* plot = watch->findChild<PlotDialog*>();
