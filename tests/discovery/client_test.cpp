@@ -177,57 +177,39 @@ TEST_F(Client, AddressAnswersAndTxtEntries)
     }
 }
 
-TEST_F(Client, ErrorWords)
-{
-    struct Row {
-        DNSServiceErrorType code;
-        const char* word;
-    };
-    // The ends of the range and both sides of its gap; without a word the message stays bare.
-    const Row rows[] = {
-        {-65537, "Unknown Error"}, {-65545, "Not Initialized"}, {-65546, nullptr}, {-65547, "Already Registered"},
-        {-65559, "Bad Time"},      {-65560, nullptr},           {-1, nullptr},     {1, nullptr},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.code);
-        listener.errors.clear();
-        DnsSdDouble::FailNext("Browse", row.code);
-        client->Browse("_x._tcp");
-        const std::string expected =
-            std::string("Unable to browse for service: _x._tcp") + (row.word ? std::string(": ") + row.word : "");
-        EXPECT_EQ(listener.errors, std::vector<std::string>{expected});
-    }
-    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
-}
-
 // Failures of the calls made by the program may throw, if the listener asks for it; failures
 // that come from the event loop never do.
 TEST_F(Client, WhatMayThrow)
 {
-    struct Row {
-        const char* what;
+    const auto browse = [](BonjourClient& c) { c.Browse("_x._tcp"); };
+    const std::string bare = "Unable to browse for service: _x._tcp";
+    const struct {
+        const char* function;  // that fails
+        DNSServiceErrorType code;
         std::function<void(BonjourClient&)> call;
         std::string message;
+    } synchronous[] = {
+        // The ends of the range of words and both sides of its gap; without a word the message stays bare.
+        {"Browse", -65537, browse, bare + ": Unknown Error"},
+        {"Browse", -65545, browse, bare + ": Not Initialized"},
+        {"Browse", -65546, browse, bare},
+        {"Browse", -65547, browse, bare + ": Already Registered"},
+        {"Browse", -65559, browse, bare + ": Bad Time"},
+        {"Browse", -65560, browse, bare},
+        {"Browse", -1, browse, bare},
+        {"Browse", 1, browse, bare},
+        {"Register", kDNSServiceErr_BadParam, [](BonjourClient& c) { c.Register("me", "_x._tcp", "", 1, {}); },
+         "Unable to register service: me: Bad Parameter"},
+        {"ReconfirmRecord", kDNSServiceErr_Refused,
+         [](BonjourClient& c) { c.Confirm("h.local.", SocketAddress("10.0.0.1")); },
+         "Unable to confirm: h.local.: Refused"},
     };
-    const Row synchronous[] = {
-        {"browse", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
-             c.Browse("_x._tcp");
-         }, "Unable to browse for service: _x._tcp: Unknown Error"},
-        {"register", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("Register", kDNSServiceErr_BadParam);
-             c.Register("me", "_x._tcp", "", 1, {});
-         }, "Unable to register service: me: Bad Parameter"},
-        {"confirm", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("ReconfirmRecord", kDNSServiceErr_Refused);
-             c.Confirm("h.local.", SocketAddress("10.0.0.1"));
-         }, "Unable to confirm: h.local.: Refused"},
-    };
-    for (const Row& row : synchronous) {
-        SCOPED_TRACE(row.what);
+    for (const auto& row : synchronous) {
+        SCOPED_TRACE(row.message);
         for (bool ask : {false, true}) {
             listener.errors.clear();
             listener.throw_on_error = ask;
+            DnsSdDouble::FailNext(row.function, row.code);
             if (ask) {
                 try {
                     row.call(*client);

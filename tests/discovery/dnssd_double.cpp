@@ -53,18 +53,6 @@ std::string Text(const char* text)
     return text ? text : "(null)";
 }
 
-// Writes the call down; the caller fills in what else it has.
-DnsSdCall& Record(const std::string& function, DNSServiceFlags flags, std::uint32_t interface_index, const char* name)
-{
-    DnsSdCall call;
-    call.function = function;
-    call.flags = flags;
-    call.interface_index = interface_index;
-    call.name = Text(name);
-    world().calls.push_back(call);
-    return world().calls.back();
-}
-
 // False, and a failure of the test, for a reference that is not live.
 bool IsLive(DNSServiceRef ref, const char* function)
 {
@@ -86,20 +74,20 @@ DNSServiceErrorType TakeFailure(const std::string& function)
     return code;
 }
 
-DNSServiceRef NewRef(DNSServiceRef* sdRef, const std::string& function, void* context)
+// Writes the call down and, unless a failure was asked for, makes the reference that answers it.
+DNSServiceErrorType Start(const DnsSdCall& call, DNSServiceRef* sdRef, void* context)
 {
+    world().calls.push_back(call);
+    if (const DNSServiceErrorType code = TakeFailure(call.function))
+        return code;
     int fds[2];
     if (pipe2(fds, O_CLOEXEC) != 0) {
         ADD_FAILURE() << "pipe2 failed";
-        return nullptr;
+        return kDNSServiceErr_Unknown;
     }
-    auto* ref = new _DNSServiceRef_t;
-    ref->function = function;
-    ref->context = context;
-    ref->read_fd = fds[0];
-    ref->write_fd = fds[1];
-    world().refs.push_back(ref);
-    return *sdRef = ref;
+    *sdRef = new _DNSServiceRef_t{call.function, call.type, nullptr, context, fds[0], fds[1], {}};
+    world().refs.push_back(*sdRef);
+    return kDNSServiceErr_NoError;
 }
 
 void Queue(DNSServiceRef ref, Answer answer)
@@ -226,21 +214,17 @@ DNSServiceErrorType DNSSD_API DNSServiceBrowse(DNSServiceRef* sdRef, DNSServiceF
                                                const char* regtype, const char* domain, DNSServiceBrowseReply callBack,
                                                void* context)
 {
-    DnsSdCall& call = Record("Browse", flags, interfaceIndex, "");
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    if (const DNSServiceErrorType code = TakeFailure("Browse"))
+    const DnsSdCall call{"Browse", flags, interfaceIndex, "", Text(regtype), Text(domain), "", 0, 0, 0, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef(sdRef, "Browse", context);
-    ref->type = regtype;
-    ref->browse_reply = callBack;
+    (*sdRef)->browse_reply = callBack;
     std::vector<FakeService> found;
     for (const FakeService& service : world().services)
-        if (service.type == ref->type)
+        if (service.type == regtype)
             found.push_back(service);
     for (std::size_t i = 0; i < found.size(); ++i)
-        TellBrowses(ref->type, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index, 0,
-                    found[i].name, found[i].domain, ref);
+        TellBrowses(regtype, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index, 0,
+                    found[i].name, found[i].domain, *sdRef);
     return kDNSServiceErr_NoError;
 }
 
@@ -248,21 +232,18 @@ DNSServiceErrorType DNSSD_API DNSServiceResolve(DNSServiceRef* sdRef, DNSService
                                                 const char* name, const char* regtype, const char* domain,
                                                 DNSServiceResolveReply callBack, void* context)
 {
-    DnsSdCall& call = Record("Resolve", flags, interfaceIndex, name);
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    if (const DNSServiceErrorType code = TakeFailure("Resolve"))
+    const DnsSdCall call{"Resolve", flags, interfaceIndex, Text(name), Text(regtype), Text(domain), "", 0, 0, 0, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef(sdRef, "Resolve", context);
     for (const FakeService& s : world().services) {
         if (s.name != call.name || s.type != call.type || s.domain != call.domain)
             continue;
-        Queue(ref, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
-                        const std::string full_name = s.name + "." + s.type + "." + s.domain;
-                        callBack(r, 0, s.interface_index, s.resolve_error, full_name.c_str(), s.host.c_str(),
-                                 htons(s.port), std::uint16_t(s.txt.size()),
-                                 reinterpret_cast<const unsigned char*>(s.txt.data()), context);
-                    }});
+        Queue(*sdRef, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
+                           const std::string full_name = s.name + "." + s.type + "." + s.domain;
+                           callBack(r, 0, s.interface_index, s.resolve_error, full_name.c_str(), s.host.c_str(),
+                                    htons(s.port), std::uint16_t(s.txt.size()),
+                                    reinterpret_cast<const unsigned char*>(s.txt.data()), context);
+                       }});
         break;
     }
     return kDNSServiceErr_NoError;
@@ -273,22 +254,20 @@ DNSServiceErrorType DNSSD_API DNSServiceQueryRecord(DNSServiceRef* sdRef, DNSSer
                                                     uint16_t rrclass, DNSServiceQueryRecordReply callBack,
                                                     void* context)
 {
-    DnsSdCall& call = Record("QueryRecord", flags, interfaceIndex, fullname);
-    call.rrtype = rrtype;
-    call.rrclass = rrclass;
-    if (const DNSServiceErrorType code = TakeFailure("QueryRecord"))
+    const DnsSdCall call{"QueryRecord", flags, interfaceIndex, Text(fullname), "", "", "", 0, rrtype, rrclass, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef(sdRef, "QueryRecord", context);
     std::vector<FakeRecord> found;
     for (const FakeRecord& record : world().records)
         if (record.host == call.name && record.rrtype == rrtype)
             found.push_back(record);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const DNSServiceFlags answer_flags = BatchFlags(i, found.size(), kDNSServiceFlagsAdd);
-        Queue(ref, {kDNSServiceErr_NoError, [r = found[i], answer_flags, rrclass, callBack, context](DNSServiceRef s) {
-                        callBack(s, answer_flags, r.interface_index, r.error, r.host.c_str(), r.rrtype, rrclass,
-                                 std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
-                    }});
+        const FakeRecord r = found[i];
+        Queue(*sdRef, {kDNSServiceErr_NoError, [=](DNSServiceRef q) {
+                           callBack(q, answer_flags, r.interface_index, r.error, r.host.c_str(), r.rrtype, rrclass,
+                                    std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
+                       }});
     }
     return kDNSServiceErr_NoError;
 }
@@ -299,21 +278,16 @@ DNSServiceErrorType DNSSD_API DNSServiceRegister(DNSServiceRef* sdRef, DNSServic
                                                  const void* txtRecord, DNSServiceRegisterReply callBack,
                                                  void* context)
 {
-    DnsSdCall& call = Record("Register", flags, interfaceIndex, name);
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    call.host = Text(host);
-    call.port = port;
-    call.data.assign(static_cast<const char*>(txtRecord), txtLen);
-    if (const DNSServiceErrorType code = TakeFailure("Register"))
+    const DnsSdCall call{"Register", flags, interfaceIndex, Text(name), Text(regtype), Text(domain), Text(host),
+                         port, 0, 0, std::string(static_cast<const char*>(txtRecord), txtLen)};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef(sdRef, "Register", context);
     const std::string registered_domain = domain && *domain ? domain : "local.";
     const DNSServiceErrorType answer_code = TakeFailure("RegisterReply");
-    Queue(ref, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
-                    callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
-                             registered_domain.c_str(), context);
-                }});
+    Queue(*sdRef, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
+                       callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
+                                registered_domain.c_str(), context);
+                   }});
     return kDNSServiceErr_NoError;
 }
 
@@ -321,10 +295,8 @@ DNSServiceErrorType DNSSD_API DNSServiceReconfirmRecord(DNSServiceFlags flags, u
                                                         const char* fullname, uint16_t rrtype, uint16_t rrclass,
                                                         uint16_t rdlen, const void* rdata)
 {
-    DnsSdCall& call = Record("ReconfirmRecord", flags, interfaceIndex, fullname);
-    call.rrtype = rrtype;
-    call.rrclass = rrclass;
-    call.data.assign(static_cast<const char*>(rdata), rdlen);
+    world().calls.push_back({"ReconfirmRecord", flags, interfaceIndex, Text(fullname), "", "", "", 0, rrtype, rrclass,
+                             std::string(static_cast<const char*>(rdata), rdlen)});
     return TakeFailure("ReconfirmRecord");
 }
 
