@@ -20,14 +20,20 @@
 #include "configurable/configurable.h"
 #include "link/connector.h"
 
-/// The lines of a piece of the stream, without their line feeds.
-inline std::vector<std::string> split_lines(const std::string& text)
+/// The lines of a piece of the stream, without their line feeds; or, split at tabs, the fields of
+/// a line, the record name first.
+inline std::vector<std::string> split_lines(const std::string& text, char end = '\n')
 {
-    std::vector<std::string> lines;
+    std::vector<std::string> parts;
     std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
+    for (std::string part; std::getline(in, part, end);)
+        parts.push_back(part);
+    return parts;
+}
+
+inline std::vector<std::string> fields(const std::string& line)
+{
+    return split_lines(line, '\t');
 }
 
 /// The lines of one record name.
@@ -38,16 +44,6 @@ inline std::vector<std::string> records(const std::string& text, const std::stri
         if (line.compare(0, name.size() + 1, name + '\t') == 0)
             found.push_back(line);
     return found;
-}
-
-/// The tab-separated fields of a line, the record name first.
-inline std::vector<std::string> fields(const std::string& line)
-{
-    std::vector<std::string> out;
-    std::istringstream in(line);
-    for (std::string field; std::getline(in, field, '\t');)
-        out.push_back(field);
-    return out;
 }
 
 /// A document as one line, as the instrument answers "<arvex>&query;</arvex>".
