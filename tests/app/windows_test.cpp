@@ -90,13 +90,12 @@ TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
               "<arvex><tolvan><output><status>true</status><waveforms>true</waveforms><dataclock>true</dataclock>"
               "<dataclocksync>false</dataclocksync></output></tolvan></arvex>\n");
     EXPECT_TRUE(_messages.empty());
-}
 
-TEST_F(Windows, CalibrationPanelWithoutFullTargetDoesNotDial) {
+    // Without a full target it does not dial.
     const std::tuple<const char*, const char*, int> rows[] = {
         {"cal-browse-1", "", 0}, {"cal-browse-2", "127.0.0.1", 0}, {"cal-browse-3", "", 4410}};
     for (const auto& [name, address, port] : rows) {
-        MyCalMainWindow window("", name, address, port);
+        MyCalMainWindow browsing("", name, address, port);
         EXPECT_EQ(Connector::LookupConnector(name)->ConnectedTo(), "") << name;
     }
 }

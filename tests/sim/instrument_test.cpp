@@ -149,7 +149,7 @@ TEST(SimTolvan, AStallGivesNoBurstAndPollsOneRecordEach)
     EXPECT_EQ(query_item(*sim, "tolvan", {"cmd", "polltest"}), "false");
 }
 
-TEST(SimTolvan, TheLaserFollowsTheCoolerWithALag)
+TEST(SimTolvan, TheLaserFollowsTheCoolerWithALagAndLocksOnTheLine)
 {
     auto sim = make("tolvan");
     sim->Serve("<arvex><tolvan><output><status>true</status></output></tolvan></arvex>");
@@ -166,6 +166,16 @@ TEST(SimTolvan, TheLaserFollowsTheCoolerWithALag)
     feed(link, sim->TakeLines());
     EXPECT_NEAR(link.VarNumeric("bench:DATASTAT:LCTACTUAL"), 30, 1e-3);
     EXPECT_EQ(link.VarNumeric("bench:DATADIAG:LASERUNLOCKED"), 0);
+
+    // The line lock puts the laser on the reference line.
+    sim->Serve("<arvex><tolvan><cfg><linelock><lasercooler><control>manual</control><temp>3</temp>"
+               "</lasercooler></linelock></cfg></tolvan></arvex>");
+    sim->TakeLines();
+    auto served = sim->Serve("<arvex><tolvan><cmd><linelock>true</linelock></cmd></tolvan></arvex>");
+    EXPECT_NE(served.changes.find("<control>auto</control>"), std::string::npos) << served.changes;
+    EXPECT_NEAR(std::stod(query_item(*sim, "tolvan", {"cfg", "linelock", "lasercooler", "temp"})),
+                SimSpectrum::LockTemperature(), 1e-4);
+    EXPECT_EQ(records(sim->TakeLines(), "DATAEVENT").size(), 1u);
 }
 
 TEST(SimTolvan, ZeroAndSpanWriteTheCalibrationAndItsHistory)
@@ -225,19 +235,6 @@ TEST(SimTolvan, RollbackAndRestartGoBackToTheCommittedCalibration)
     sim->Serve("<arvex><tolvan><cal><ch4zero>0.5</ch4zero></cal></tolvan></arvex>");
     sim->Restart();
     EXPECT_EQ(query_item(*sim, "tolvan", {"cal", "ch4zero"}), zero);
-}
-
-TEST(SimTolvan, LineLockPutsTheLaserOnTheReferenceLine)
-{
-    auto sim = make("tolvan");
-    sim->Serve("<arvex><tolvan><cfg><linelock><lasercooler><control>manual</control><temp>3</temp>"
-               "</lasercooler></linelock></cfg></tolvan></arvex>");
-    sim->TakeLines();
-    auto served = sim->Serve("<arvex><tolvan><cmd><linelock>true</linelock></cmd></tolvan></arvex>");
-    EXPECT_NE(served.changes.find("<control>auto</control>"), std::string::npos) << served.changes;
-    EXPECT_NEAR(std::stod(query_item(*sim, "tolvan", {"cfg", "linelock", "lasercooler", "temp"})),
-                SimSpectrum::LockTemperature(), 1e-4);
-    EXPECT_EQ(records(sim->TakeLines(), "DATAEVENT").size(), 1u);
 }
 
 // What every model serves alike.
