@@ -247,35 +247,6 @@ TEST_F(Runner, SequencesEndWithTheirBox)
     }
 }
 
-// A directory with a blank in it works only because it is quoted in front of the command.
-TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
-{
-    ASSERT_TRUE(QDir(_dir.path()).mkdir("my programs"));
-    const std::string program_dir = Path("my programs") + "/";
-    const std::string received = Path("received");
-    QFile helper(QString::fromStdString(program_dir + "cmd_flash"));
-    ASSERT_TRUE(helper.open(QIODevice::WriteOnly));
-    helper.write(QByteArray::fromStdString("#!/bin/sh\nIFS= read -r json\nIFS= read -r blank\n"
-                                           "printf '%s|%s|%s\\n' \"$1\" \"$json\" \"$blank\" > '" +
-                                           received + "'\necho flashed\n"));
-    helper.close();
-    helper.setPermissions(helper.permissions() | QFileDevice::ExeOwner);
-
-    Defines defines;
-    defines.Add("program_dir", program_dir);
-    defines.Add("ip", "fe80::1%2");
-    testing::internal::CaptureStdout();
-    Start({Cmd("cmd_flash x", "Flash")}, defines);
-    ASSERT_TRUE(WaitForBoxes(1));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_flash x\n");
-    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
-    QFile file(QString::fromStdString(received));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().toStdString(),
-              "x|{\"ip\":\"fe80::1%2\",\"program_dir\":\"" + program_dir + "\"}|\n");
-    EXPECT_EQ(Output(), "*** Flash ***\nflashed\n");
-}
-
 // A key typed in the output area reaches the command, which redraws its line in answer.
 TEST_F(Runner, KeysReachTheCommandWhichRedrawsItsLine)
 {

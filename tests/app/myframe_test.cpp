@@ -317,13 +317,16 @@ TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
     }
 }
 
+// A helper gets the panel's defines on standard input, then a blank line; the directory of the
+// program has a blank in it, which works only because it is quoted in front of the command.
 TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
 {
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    QFile helper(dir.filePath("cmd_show"));
+    ASSERT_TRUE(dir.isValid() && QDir(dir.path()).mkdir("my programs"));
+    const std::string program_dir = dir.filePath("my programs").toStdString() + "/";
+    QFile helper(QString::fromStdString(program_dir + "cmd_show"));
     ASSERT_TRUE(helper.open(QIODevice::WriteOnly));
-    helper.write("#!/bin/sh\nIFS= read -r json\nprintf '%s\\n' \"$json\"\n");
+    helper.write("#!/bin/sh\nIFS= read -r json\nIFS= read -r blank\nprintf '%s|%s|%s\\n' \"$1\" \"$json\" \"$blank\"\n");
     helper.close();
     helper.setPermissions(helper.permissions() | QFileDevice::ExeOwner);
 
@@ -335,14 +338,16 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
         });
     DescriptionFile file("<config><defines><define><name>ipv4</name><value>from-file</value></define></defines>"
                          "<buttons><button><caption>Show</caption><cmds>"
-                         "<cmd description=\"Show $(name)\">cmd_show</cmd></cmds></button>"
+                         "<cmd description=\"Show $(name)\">cmd_show x</cmd></cmds></button>"
                          "<button><caption>Empty</caption></button></buttons></config>");
-    Make(dir.filePath("sondar").toStdString());
+    Make(program_dir + "sondar");
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
              "tolvan-1.local.");
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("fe80::1", 4410, 3), {});
     Select("ch4-1");
+    testing::internal::CaptureStdout();
     Button("Show...")->click();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_show x\n");
 
     auto* dialog = _frame->findChild<ExternalDialog*>();
     ASSERT_NE(dialog, nullptr);
@@ -350,10 +355,10 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     EXPECT_EQ(boxes[0], "Show -- Finished");
     // A define of the file is not replaced by the panel's own (ipv4).
     const std::string json = "{\"host\":\"tolvan-1.local.\",\"ip\":\"fe80::1%3\",\"ipv4\":\"from-file\","
-                             "\"model\":\"Tolvan\",\"name\":\"ch4-1\",\"program_dir\":\"" +
-                             dir.path().toStdString() + "/\",\"ver\":\"1.2\"}";
+                             "\"model\":\"Tolvan\",\"name\":\"ch4-1\",\"program_dir\":\"" + program_dir +
+                             "\",\"ver\":\"1.2\"}";
     EXPECT_EQ(dialog->findChild<ExternalTextEdit*>()->toPlainText().toStdString(),
-              "*** Show ch4-1 ***\n" + json + "\n");
+              "*** Show ch4-1 ***\nx|" + json + "|\n");
     delete dialog;
 
     // A button without commands, and an index out of range, do nothing.
