@@ -100,7 +100,7 @@ TEST(ConfigDoc, BadValueIsReportedAndTheRestIsRead)
     EXPECT_FALSE(buttons[0]->cmds[0]->nofail);
 }
 
-TEST(Defines, Apply)
+TEST(Defines, ApplyAndJson)
 {
     const Defines defines = Make({{"ver", "1"}, {"name", "ch4"}, {"a", "$(name)-$(ver)"}, {"", "EMPTY"}});
     const struct {
@@ -124,6 +124,16 @@ TEST(Defines, Apply)
     };
     for (const auto& row : rows)
         EXPECT_EQ(defines.Apply(row.text), row.applied) << row.text;
+
+    // As JSON, for the helpers.
+    const auto json = [](const Defines& d) {
+        std::ostringstream out;
+        out << d;
+        return out.str();
+    };
+    EXPECT_EQ(json(Defines()), "null\n");
+    EXPECT_EQ(json(Make({{"name", "ch4"}, {"ip", "fe80::1%2"}})), "{\"ip\":\"fe80::1%2\",\"name\":\"ch4\"}\n");
+    EXPECT_EQ(json(Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}})), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n");
 }
 
 // A define that uses another resolves whichever of the two sorts first.
@@ -132,22 +142,8 @@ TEST(Defines, DefineOfADefine)
     Defines defines = Make({{"a_first", "<$(z_last)>"}, {"m", "$(a_first)+$(z_last)"}, {"z_last", "$(zz)"},
                             {"zz", "deep"}});
     defines.ApplyDefines();
-    EXPECT_EQ(defines.Map().at("a_first"), "<deep>");
-    EXPECT_EQ(defines.Map().at("m"), "<deep>+deep");
-    EXPECT_EQ(defines.Map().at("z_last"), "deep");
-    EXPECT_EQ(defines.Map().at("zz"), "deep");
-}
-
-TEST(Defines, Json)
-{
-    const auto json = [](const Defines& defines) {
-        std::ostringstream out;
-        out << defines;
-        return out.str();
-    };
-    EXPECT_EQ(json(Defines()), "null\n");
-    EXPECT_EQ(json(Make({{"name", "ch4"}, {"ip", "fe80::1%2"}})), "{\"ip\":\"fe80::1%2\",\"name\":\"ch4\"}\n");
-    EXPECT_EQ(json(Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}})), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n");
+    EXPECT_EQ(defines.Map(), (std::map<std::string, std::string>{
+                                 {"a_first", "<deep>"}, {"m", "<deep>+deep"}, {"z_last", "deep"}, {"zz", "deep"}}));
 }
 
 // Buttons strip before applying, commands after: a value's line break stays in a caption only.

@@ -227,54 +227,37 @@ TEST(AboutTextPath, ExtensionReplaced) {
         EXPECT_EQ(AboutTextPath(r.program), r.about) << r.program;
 }
 
-class About : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(_dir.isValid()); }
-
-    std::string Write(const char* file_name, const QByteArray& content)
-    {
-        const QString path = _dir.filePath(file_name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return path.toStdString();
-    }
-
-    QTemporaryDir _dir;
-};
-
-TEST_F(About, ShowsTheFileAsHtmlOrOneDefaultLine) {
-    const std::string path = Write("sondar.license", "<h1>Terms</h1>\n<p>Use it &amp; enjoy \xc3\xa5.</p>\n");
-    AboutDialog dialog(nullptr, path);
+// The About box shows its file as HTML, or one default line without it; the main window's About
+// action finds the file beside the program it was started as.
+TEST(About, ShowsTheFileBesideTheProgramAsHtmlOrOneDefaultLine) {
+    QTemporaryDir dir;
+    QFile file(dir.filePath("sondar.license"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<h1>Terms</h1>\n<p>Use it &amp; enjoy \xc3\xa5.</p>\n");
+    file.close();
+    const QString terms = QString::fromUtf8("Terms\nUse it & enjoy \xc3\xa5.");
+    AboutDialog dialog(nullptr, file.fileName().toStdString());
     EXPECT_EQ(dialog.windowTitle(), "About this application...");
     EXPECT_EQ(dialog.size(), QSize(640, 400));
     auto* text = dialog.findChild<QTextEdit*>();
     EXPECT_TRUE(text->isReadOnly());
-    EXPECT_EQ(text->toPlainText().trimmed(), QString::fromUtf8("Terms\nUse it & enjoy \xc3\xa5."));
+    EXPECT_EQ(text->toPlainText().trimmed(), terms);
 
-    AboutDialog missing(nullptr, _dir.filePath("absent.license").toStdString());
+    AboutDialog missing(nullptr, dir.filePath("absent.license").toStdString());
     const QString shown = missing.findChild<QTextEdit*>()->toPlainText();
     EXPECT_FALSE(shown.isEmpty());
     EXPECT_FALSE(shown.contains('\n'));
-}
 
-// The main window's About action finds the text beside the program it was started as.
-TEST_F(About, MainWindowReadsTheFileBesideTheProgram) {
-    Write("sondar.license", "<p>beside the program</p>");
-    MyMainWindow window("Arvex Sondar", _dir.filePath("sondar.bin").toStdString());
-    QString shown;
-    bool found = false;
+    MyMainWindow window("Arvex Sondar", dir.filePath("sondar.bin").toStdString());
+    QString beside;
     QTimer::singleShot(0, &window, [&] {
-        auto* dialog = window.findChild<AboutDialog*>();
-        if (!dialog)
-            return;
-        found = true;
-        shown = dialog->findChild<QTextEdit*>()->toPlainText();
-        dialog->close();
+        if (auto* about = window.findChild<AboutDialog*>()) {
+            beside = about->findChild<QTextEdit*>()->toPlainText().trimmed();
+            about->close();
+        }
     });
     window.OnAbout();
-    EXPECT_TRUE(found);
-    EXPECT_EQ(shown, "beside the program");
+    EXPECT_EQ(beside, terms);
 }
 
 }  // namespace

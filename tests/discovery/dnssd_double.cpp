@@ -11,18 +11,12 @@
 #include <functional>
 #include <map>
 
-namespace {
-
-// One answer waiting on a reference: a failure of DNSServiceProcessResult itself, or a call of
-// the reference's callback.
-struct Answer {
-    DNSServiceErrorType process_error = kDNSServiceErr_NoError;
-    std::function<void(DNSServiceRef)> deliver;
-};
-
-}  // namespace
-
 struct _DNSServiceRef_t {
+    // One answer waiting: a failure of DNSServiceProcessResult itself, or a call of the callback.
+    struct Answer {
+        DNSServiceErrorType process_error = kDNSServiceErr_NoError;
+        std::function<void(DNSServiceRef)> deliver;
+    };
     std::string function;
     std::string type;  // of a browse
     DNSServiceBrowseReply browse_reply = nullptr;
@@ -90,7 +84,7 @@ DNSServiceErrorType Start(const DnsSdCall& call, DNSServiceRef* sdRef, void* con
     return kDNSServiceErr_NoError;
 }
 
-void Queue(DNSServiceRef ref, Answer answer)
+void Queue(DNSServiceRef ref, _DNSServiceRef_t::Answer answer)
 {
     ref->answers.push_back(std::move(answer));
     const char byte = 0;
@@ -133,11 +127,7 @@ FakeRecord FakeRecord::Address(const std::string& host, std::uint32_t interface_
 
 void DnsSdDouble::Reset()
 {
-    auto& w = world();
-    w.services.clear();
-    w.records.clear();
-    w.calls.clear();
-    w.failures.clear();
+    world() = World{{}, {}, {}, {}, world().refs};
 }
 
 void DnsSdDouble::Announce(const FakeService& service)
@@ -314,7 +304,7 @@ DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
         ADD_FAILURE() << "DNSServiceProcessResult without an answer waiting";
         return kDNSServiceErr_Unknown;
     }
-    const Answer answer = std::move(sdRef->answers.front());
+    const auto answer = std::move(sdRef->answers.front());
     sdRef->answers.pop_front();
     if (answer.process_error != kDNSServiceErr_NoError)
         return answer.process_error;
