@@ -148,7 +148,8 @@ TEST_F(Panel, TypeWordModelColumnAndWindow)
     EXPECT_TRUE(_frame->opened.empty());
 }
 
-TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnlyRemovalTakesTheFirst)
+// A second announcement of a name changes its addresses only.
+TEST_F(Panel, RowsFollowAnnouncementsRemovalsAndLogging)
 {
     Make();
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
@@ -180,22 +181,18 @@ TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnlyRemovalTakesTheFirst)
     _frame->RemoveService("missing", "", "");
     EXPECT_TRUE(Tree().selectedItems().isEmpty());
     EXPECT_EQ(Rows().size(), 2u);
-}
 
-TEST_F(Panel, LogFileColumnFollowsTheConnector)
-{
+    // The log file column follows the connector of that name.
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    Make();
     const auto connector = Connector::Factory(nullptr, "logged-1", "tolvan");
     const std::string log = dir.filePath("logged-1.txt").toStdString();
     connector->SetLogFileName(log);
     connector->StartLoggingToFile();
     Announce("logged-1", "_arvex-tolvan._tcp", Address("10.0.0.1", 4410), {});
-    EXPECT_EQ(Rows()[0][3].toStdString(), log);
+    EXPECT_EQ(Rows()[1][3].toStdString(), log);
     connector->StopLoggingToFile();
     _frame->OnRefresh();
-    EXPECT_EQ(Rows()[0][3], "");
+    EXPECT_EQ(Rows()[1][3], "");
 }
 
 TEST_F(Panel, OtherParsing)

@@ -66,6 +66,8 @@ protected:
 std::unique_ptr<QTemporaryDir> Windows::_settings_dir;
 std::vector<ShownMessage> Windows::_messages;
 
+// The calibration panel dials a full target and sends the opening lines, dials nothing without
+// one, and reports a refused connection over itself.
 TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
@@ -98,6 +100,14 @@ TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
         MyCalMainWindow browsing("", name, address, port);
         EXPECT_EQ(Connector::LookupConnector(name)->ConnectedTo(), "") << name;
     }
+
+    // A refused connection is reported over the panel.
+    const quint16 closed_port = server.serverPort();
+    server.close();
+    MyCalMainWindow refused("", "cal-refused", "127.0.0.1", closed_port);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !_messages.empty(); }, kTimeoutMs));
+    EXPECT_EQ(_messages[0].parent, &refused);
+    EXPECT_EQ(_messages[0].title, "Connect To Instrument");
 }
 
 // In browse mode the panel dials the service of exactly its name, at the address discovery reports.
@@ -125,19 +135,6 @@ TEST_F(Windows, CalibrationPanelBrowsesForItsInstrument) {
         << connector->ConnectedTo();
     EXPECT_TRUE(QTest::qWaitFor([&] { return wanted.hasPendingConnections(); }, kTimeoutMs));
     EXPECT_FALSE(other_case.hasPendingConnections());
-}
-
-TEST_F(Windows, RefusedConnectionIsReportedOverThePanel) {
-    quint16 closed_port;
-    {
-        QTcpServer server;
-        ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-        closed_port = server.serverPort();
-    }
-    MyCalMainWindow window("", "cal-refused", "127.0.0.1", closed_port);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !_messages.empty(); }, kTimeoutMs));
-    EXPECT_EQ(_messages[0].parent, &window);
-    EXPECT_EQ(_messages[0].title, "Connect To Instrument");
 }
 
 // The File menu; the test host actions stand in no menu but are wired to the panel.
