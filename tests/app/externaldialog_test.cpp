@@ -130,13 +130,13 @@ protected:
         return command;
     }
 
-    ExternalDialog& Start(std::vector<std::shared_ptr<CmdConfig>> cmds, const Defines& defines = Defines())
+    ExternalDialog& Start(std::vector<std::shared_ptr<CmdConfig>> cmds)
     {
         ButtonConfig button;
         button.caption = "Update";
         button.cmds = std::move(cmds);
         delete _dialog;
-        _dialog = new ExternalDialog(nullptr, button, defines);
+        _dialog = new ExternalDialog(nullptr, button, Defines());
         _dialog->show();
         _dialog->RunCmds();
         return *_dialog;
