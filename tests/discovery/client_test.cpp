@@ -303,11 +303,9 @@ TEST_F(Client, OutOfResources)
 
     listener.throw_on_error = true;
     EXPECT_THROW(client->Browse("_t101._tcp"), BonjourClient::Error);
-}
 
-// The resolve and the two address queries behind a service need slots of their own.
-TEST_F(Client, OutOfResourcesInsideTheChain)
-{
+    // The resolve and the two address queries behind a service need slots of their own.
+    client.reset();
     struct Row {
         int browses_before;
         std::vector<std::string> errors;
