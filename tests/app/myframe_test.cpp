@@ -87,7 +87,7 @@ protected:
     RecordingFrame* _frame = nullptr;
 };
 
-TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
+TEST_F(Panel, WithoutDescriptionFileOnlyOtherShowsAndAsksForItsAddress)
 {
     Make();
     EXPECT_EQ(_window->windowTitle(), "");
@@ -99,6 +99,33 @@ TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
     EXPECT_EQ(other.host, "other.local.");
     EXPECT_EQ(other.addresses, std::set<SocketAddress>{Address("127.0.0.1", 4410)});
     EXPECT_EQ(other.txt, (Txt{{"company", "Arvex"}, {"model", ""}, {"ver", ""}}));
+
+    // The "Other..." row asks for the address and remembers it.
+    QString offered = "unset";
+    // Each answer takes the offered text, types `typed` (null: keeps it), and accepts or cancels.
+    auto answer = [&](const char* typed, bool accept) {
+        AnswerInputDialog([&offered, typed, accept](QInputDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
+            EXPECT_EQ(dialog.labelText(), "Address:");
+            offered = dialog.textValue();
+            if (typed)
+                dialog.setTextValue(typed);
+            accept ? dialog.accept() : dialog.reject();
+        });
+    };
+    answer("10.0.0.5:50111", true);
+    _frame->OnItemDoubleClicked(Select("Other..."), 0);
+    EXPECT_EQ(offered, "");
+    EXPECT_EQ(_frame->opened,
+              (std::vector<Request>{{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}}));
+    // The last address is offered again; cancelling opens nothing and forgets it; empty opens nothing.
+    answer(nullptr, false);
+    _frame->OnOtherButtonClicked();
+    EXPECT_EQ(offered, "10.0.0.5:50111");
+    answer(nullptr, true);
+    _frame->OnOtherButtonClicked();
+    EXPECT_EQ(offered, "");
+    EXPECT_EQ(_frame->opened.size(), 1u);
 
     // The fourth header is blank for an update program.
     const std::pair<const char*, const char*> rows[] = {
@@ -229,36 +256,6 @@ TEST_F(Panel, OtherParsing)
         EXPECT_EQ(target.window, row.window) << row.text;
         EXPECT_EQ(target.type, row.type) << row.text;
     }
-}
-
-TEST_F(Panel, OtherRowAsksForTheAddressAndRemembersIt)
-{
-    Make();
-    QString offered = "unset";
-    // Each answer takes the offered text, types `typed` (null: keeps it), and accepts or cancels.
-    auto answer = [&](const char* typed, bool accept) {
-        AnswerInputDialog([&offered, typed, accept](QInputDialog& dialog) {
-            EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
-            EXPECT_EQ(dialog.labelText(), "Address:");
-            offered = dialog.textValue();
-            if (typed)
-                dialog.setTextValue(typed);
-            accept ? dialog.accept() : dialog.reject();
-        });
-    };
-    answer("10.0.0.5:50111", true);
-    _frame->OnItemDoubleClicked(Select("Other..."), 0);
-    EXPECT_EQ(offered, "");
-    EXPECT_EQ(_frame->opened,
-              (std::vector<Request>{{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}}));
-    // The last address is offered again; cancelling opens nothing and forgets it; empty opens nothing.
-    answer(nullptr, false);
-    _frame->OnOtherButtonClicked();
-    EXPECT_EQ(offered, "10.0.0.5:50111");
-    answer(nullptr, true);
-    _frame->OnOtherButtonClicked();
-    EXPECT_EQ(offered, "");
-    EXPECT_EQ(_frame->opened.size(), 1u);
 }
 
 TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
