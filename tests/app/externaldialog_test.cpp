@@ -32,7 +32,7 @@ QColor ColourAt(ExternalTextEdit& edit, int position)
 
 // Each row appends its pieces in turn; only a leading carriage return redraws the last line, and
 // a NUL ends the piece.
-TEST(ExternalTextEdit, AppendsAndRedrawsTheLastLine)
+TEST(ExternalTextEdit, AppendsRedrawsTheLastLineAndPassesKeysOn)
 {
     const struct {
         std::vector<QByteArray> pieces;
@@ -56,17 +56,15 @@ TEST(ExternalTextEdit, AppendsAndRedrawsTheLastLine)
     EXPECT_TRUE(edit.toPlainText().endsWith("B"));
     EXPECT_EQ(ColourAt(edit, 5), QColor(Qt::black));
     EXPECT_EQ(ColourAt(edit, 8), QColor(Qt::red));
-}
 
-TEST(ExternalTextEdit, KeysArePassedOnNotTyped)
-{
-    ExternalTextEdit edit(nullptr);
+    // Keys are passed on, not typed.
     QString keys;
     QObject::connect(&edit, &ExternalTextEdit::KeyPressed, [&](QKeyEvent* event) { keys += event->text(); });
+    const QString before = edit.toPlainText();
     QTest::keyClicks(&edit, "ab");
     QTest::keyClick(&edit, Qt::Key_Return);
     EXPECT_EQ(keys, "ab\r");
-    EXPECT_EQ(edit.toPlainText(), "");
+    EXPECT_EQ(edit.toPlainText(), before);
 }
 
 // --- the runner ---
@@ -132,12 +130,13 @@ protected:
         return command;
     }
 
-    ExternalDialog& Start(std::vector<std::shared_ptr<CmdConfig>> cmds, const Defines& defines = Defines())
+    ExternalDialog& Start(std::vector<std::shared_ptr<CmdConfig>> cmds)
     {
         ButtonConfig button;
         button.caption = "Update";
         button.cmds = std::move(cmds);
-        _dialog = new ExternalDialog(nullptr, button, defines);
+        delete _dialog;
+        _dialog = new ExternalDialog(nullptr, button, Defines());
         _dialog->show();
         _dialog->RunCmds();
         return *_dialog;
@@ -195,94 +194,57 @@ TEST_F(Runner, SequenceRunsInOrderAndSucceeds)
     EXPECT_EQ(_boxes[1].title, "Update -- Finished");
 }
 
-TEST_F(Runner, FailureStopsTheSequence)
+// How a sequence ends: a failure stops it, nofail goes on, nooutput keeps only the heading. A
+// question is the text from its tenth character on, asked at once inside RunCmds; a process as the
+// last step ends with Ok, a question with Close; cancelling ends the sequence and counts as success.
+TEST_F(Runner, SequencesEndWithTheirBox)
 {
-    const std::string marker = Path("never");
-    ExternalDialog& dialog = Start({
-        Cmd(Script("fail.sh", "echo failing; exit 3"), "Erase flash"),
-        Cmd(Script("after.sh", "touch " + marker), "After"),
-    });
-    ASSERT_TRUE(WaitForBoxes(1));
-    QTest::qWait(200);  // time for a wrongly started second command to show
-    EXPECT_EQ(_boxes, (std::vector<Box>{{QMessageBox::Critical, "Update -- ERROR",
-                                         "Error running command 'Erase flash'", QMessageBox::Close}}));
-    EXPECT_EQ(dialog.windowTitle(), "Update -- ERROR");
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
-    EXPECT_EQ(Output(), "*** Erase flash ***\nfailing\n");
-}
-
-TEST_F(Runner, NofailGoesOnAndNooutputKeepsOnlyTheHeading)
-{
-    Start({
-        Cmd(Script("fail.sh", "echo shown; exit 3"), "May fail", true),
-        Cmd(Script("quiet.sh", "echo hidden; echo hidden-too >&2"), "Quiet", false, true),
-        Cmd(Script("last.sh", "echo last"), "Last"),
-    });
-    ASSERT_TRUE(WaitForBoxes(1));
-    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
-    EXPECT_EQ(Output(), "*** May fail ***\nshown\n*** Quiet ***\n*** Last ***\nlast\n");
-}
-
-// A directory with a blank in it works only because it is quoted in front of the command.
-TEST_F(Runner, HelperGetsTheQuotedDirectoryAndTheDefinesOnStandardInput)
-{
-    ASSERT_TRUE(QDir(_dir.path()).mkdir("my programs"));
-    const std::string program_dir = Path("my programs") + "/";
-    const std::string received = Path("received");
-    QFile helper(QString::fromStdString(program_dir + "cmd_flash"));
-    ASSERT_TRUE(helper.open(QIODevice::WriteOnly));
-    helper.write(QByteArray::fromStdString("#!/bin/sh\nIFS= read -r json\nIFS= read -r blank\n"
-                                           "printf '%s|%s|%s\\n' \"$1\" \"$json\" \"$blank\" > '" +
-                                           received + "'\necho flashed\n"));
-    helper.close();
-    helper.setPermissions(helper.permissions() | QFileDevice::ExeOwner);
-
-    Defines defines;
-    defines.Add("program_dir", program_dir);
-    defines.Add("ip", "fe80::1%2");
-    testing::internal::CaptureStdout();
-    Start({Cmd("cmd_flash x", "Flash")}, defines);
-    ASSERT_TRUE(WaitForBoxes(1));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_flash x\n");
-    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
-    QFile file(QString::fromStdString(received));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll().toStdString(),
-              "x|{\"ip\":\"fe80::1%2\",\"program_dir\":\"" + program_dir + "\"}|\n");
-    EXPECT_EQ(Output(), "*** Flash ***\nflashed\n");
-}
-
-// The question is the text from its tenth character on; a process as the last step ends with Ok.
-TEST_F(Runner, ConfirmAsksAndOkGoesOn)
-{
-    Start({Cmd("Confirm: Erase?"), Cmd("Confirm:Erase?"), Cmd(Script("go.sh", "echo went"), "Go")});
-    ASSERT_TRUE(WaitForBoxes(3));
     const auto ask = QMessageBox::Ok | QMessageBox::Cancel;
-    EXPECT_EQ(_boxes, (std::vector<Box>{{QMessageBox::Question, "Confirm", "Erase?", ask},
-                                        {QMessageBox::Question, "Confirm", "rase?", ask},
-                                        {QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Ok}}));
-    EXPECT_EQ(Output(), "*** Go ***\nwent\n");
-}
-
-TEST_F(Runner, ConfirmAsTheLastStepEndsWithClose)
-{
-    Start({Cmd(Script("first.sh", "true")), Cmd("Confirm: Reboot now?")});
-    ASSERT_TRUE(WaitForBoxes(2));
-    EXPECT_EQ(_boxes[0].text, "Reboot now?");
-    EXPECT_EQ(_boxes[1], (Box{QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Close}));
-}
-
-TEST_F(Runner, ConfirmCancelledEndsTheSequence)
-{
-    _answers = {QMessageBox::Cancel};
-    const std::string marker = Path("never");
-    ExternalDialog& dialog = Start({Cmd("Confirm: Really?"), Cmd(Script("after.sh", "touch " + marker))});
-    ASSERT_EQ(_boxes.size(), 2u);  // the question runs at once, inside RunCmds
-    // Cancelling counts as success.
-    EXPECT_EQ(_boxes[1], (Box{QMessageBox::Information, "Update -- Cancelled", "Update cancelled", QMessageBox::Close}));
-    EXPECT_EQ(dialog.windowTitle(), "Update -- Cancelled");
-    QTest::qWait(200);
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(marker)));
+    const Box finished{QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Ok};
+    const struct {
+        const char* what;
+        std::vector<std::shared_ptr<CmdConfig>> cmds;
+        std::vector<QMessageBox::StandardButton> answers;
+        std::vector<Box> boxes;
+        const char *title, *output;
+    } rows[] = {
+        {"failure", {Cmd(Script("fail.sh", "echo failing; exit 3"), "Erase flash"),
+                     Cmd(Script("after.sh", "echo after"), "After")}, {},
+         {{QMessageBox::Critical, "Update -- ERROR", "Error running command 'Erase flash'", QMessageBox::Close}},
+         "Update -- ERROR", "*** Erase flash ***\nfailing\n"},
+        {"nofail, nooutput", {Cmd(Script("mayfail.sh", "echo shown; exit 3"), "May fail", true),
+                              Cmd(Script("quiet.sh", "echo hidden; echo hidden-too >&2"), "Quiet", false, true),
+                              Cmd(Script("last.sh", "echo last"), "Last")}, {},
+         {finished}, "Update -- Finished", "*** May fail ***\nshown\n*** Quiet ***\n*** Last ***\nlast\n"},
+        {"confirmed", {Cmd("Confirm: Erase?"), Cmd("Confirm:Erase?"), Cmd(Script("go.sh", "echo went"), "Go")}, {},
+         {{QMessageBox::Question, "Confirm", "Erase?", ask}, {QMessageBox::Question, "Confirm", "rase?", ask}, finished},
+         "Update -- Finished", "*** Go ***\nwent\n"},
+        {"question last", {Cmd(Script("first.sh", "true")), Cmd("Confirm: Reboot now?")}, {},
+         {{QMessageBox::Question, "Confirm", "Reboot now?", ask},
+          {QMessageBox::Information, "Update -- Finished", "Succeeded", QMessageBox::Close}},
+         "Update -- Finished", "***  ***\n"},
+        {"cancelled", {Cmd("Confirm: Really?"), Cmd(Script("after.sh", "echo after"))}, {QMessageBox::Cancel},
+         {{QMessageBox::Question, "Confirm", "Really?", ask},
+          {QMessageBox::Information, "Update -- Cancelled", "Update cancelled", QMessageBox::Close}},
+         "Update -- Cancelled", ""},
+        // With no finished signal the window stays as it was: only the heading tells.
+        {"cannot start", {Cmd(Path("no-such-program") + " --flag", "Missing")}, {}, {}, "Update -- Running...",
+         "*** Missing ***\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        _boxes.clear();
+        _answers = row.answers;
+        ExternalDialog& dialog = Start(row.cmds);
+        EXPECT_TRUE(row.answers.empty() || _boxes.size() == row.boxes.size()) << "a question is asked at once";
+        ASSERT_TRUE(WaitForBoxes(row.boxes.size()));
+        // A command started in error would show its heading at once; one that cannot start ends so.
+        auto* process = dialog.findChild<QProcess*>();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return process->state() == QProcess::NotRunning; }, kTimeoutMs));
+        EXPECT_EQ(_boxes, row.boxes);
+        EXPECT_EQ(dialog.windowTitle(), row.title);
+        EXPECT_EQ(Output(), row.output);
+    }
 }
 
 // A key typed in the output area reaches the command, which redraws its line in answer.
@@ -295,16 +257,6 @@ TEST_F(Runner, KeysReachTheCommandWhichRedrawsItsLine)
     ASSERT_TRUE(WaitForBoxes(1));
     EXPECT_EQ(_boxes[0].title, "Update -- Finished");
     EXPECT_EQ(Output(), "*** Ask ***\ngot y\n");
-}
-
-// With no finished signal the window stays as it was: only the heading tells.
-TEST_F(Runner, CommandThatCannotStartLeavesTheWindowRunning)
-{
-    ExternalDialog& dialog = Start({Cmd(Path("no-such-program") + " --flag", "Missing")});
-    QTest::qWait(500);
-    EXPECT_TRUE(_boxes.empty());
-    EXPECT_EQ(dialog.windowTitle(), "Update -- Running...");
-    EXPECT_EQ(Output(), "*** Missing ***\n");
 }
 
 }  // namespace

@@ -87,7 +87,7 @@ protected:
     RecordingFrame* _frame = nullptr;
 };
 
-TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
+TEST_F(Panel, WithoutDescriptionFileOnlyOtherShowsAndAsksForItsAddress)
 {
     Make();
     EXPECT_EQ(_window->windowTitle(), "");
@@ -99,10 +99,35 @@ TEST_F(Panel, WithoutDescriptionFileOnlyOtherShows)
     EXPECT_EQ(other.host, "other.local.");
     EXPECT_EQ(other.addresses, std::set<SocketAddress>{Address("127.0.0.1", 4410)});
     EXPECT_EQ(other.txt, (Txt{{"company", "Arvex"}, {"model", ""}, {"ver", ""}}));
-}
 
-TEST_F(Panel, FourthHeaderIsBlankForAnUpdateProgram)
-{
+    // The "Other..." row asks for the address and remembers it.
+    QString offered = "unset";
+    // Each answer takes the offered text, types `typed` (null: keeps it), and accepts or cancels.
+    auto answer = [&](const char* typed, bool accept) {
+        AnswerInputDialog([&offered, typed, accept](QInputDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
+            EXPECT_EQ(dialog.labelText(), "Address:");
+            offered = dialog.textValue();
+            if (typed)
+                dialog.setTextValue(typed);
+            accept ? dialog.accept() : dialog.reject();
+        });
+    };
+    answer("10.0.0.5:50111", true);
+    _frame->OnItemDoubleClicked(Select("Other..."), 0);
+    EXPECT_EQ(offered, "");
+    EXPECT_EQ(_frame->opened,
+              (std::vector<Request>{{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}}));
+    // The last address is offered again; cancelling opens nothing and forgets it; empty opens nothing.
+    answer(nullptr, false);
+    _frame->OnOtherButtonClicked();
+    EXPECT_EQ(offered, "10.0.0.5:50111");
+    answer(nullptr, true);
+    _frame->OnOtherButtonClicked();
+    EXPECT_EQ(offered, "");
+    EXPECT_EQ(_frame->opened.size(), 1u);
+
+    // The fourth header is blank for an update program.
     const std::pair<const char*, const char*> rows[] = {
         {"/opt/arvex/sondar", "Log File"}, {"/opt/Arvex Update/sondar", " "},
         {"C:\\UPDATES\\sondar.exe", " "}, {"/opt/updat/sondar", "Log File"}};
@@ -150,7 +175,8 @@ TEST_F(Panel, TypeWordModelColumnAndWindow)
     EXPECT_TRUE(_frame->opened.empty());
 }
 
-TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
+// A second announcement of a name changes its addresses only.
+TEST_F(Panel, RowsFollowAnnouncementsRemovalsAndLogging)
 {
     Make();
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
@@ -172,54 +198,28 @@ TEST_F(Panel, SecondAnnouncementChangesTheAddressesOnly)
     EXPECT_EQ(_frame->Instruments()[0].type, "tolvan");
     Select("ch4-1");
     EXPECT_EQ(Info(), head + "<tr><td><strong>IP: </strong>fe80::1%3:4410</td></tr>" + tail);
-}
 
-TEST_F(Panel, RemoveTakesTheFirstOfThatNameWhateverTheType)
-{
-    Make();
-    Announce("dup", "_arvex-tolvan._tcp", Address("10.0.0.1", 4410), {});
-    Announce("DUP", "_arvex-halden._tcp", Address("10.0.0.2", 4430), {});
-    _frame->RemoveService("dup", "_arvex-halden._tcp", "local.");
+    // A removal takes the first of that name (case counts), whatever the type, and always rebuilds.
+    Announce("CH4-1", "_arvex-halden._tcp", Address("10.0.0.2", 4430), {});
+    _frame->RemoveService("ch4-1", "_arvex-halden._tcp", "local.");
     EXPECT_EQ(Rows().size(), 2u);
-    EXPECT_EQ(Rows()[0][0], "DUP");
-    Select("DUP");
-    _frame->RemoveService("missing", "", "");  // still rebuilds
+    EXPECT_EQ(Rows()[0][0], "CH4-1");
+    Select("CH4-1");
+    _frame->RemoveService("missing", "", "");
     EXPECT_TRUE(Tree().selectedItems().isEmpty());
     EXPECT_EQ(Rows().size(), 2u);
-}
 
-TEST_F(Panel, LogFileColumnFollowsTheConnector)
-{
+    // The log file column follows the connector of that name.
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    Make();
     const auto connector = Connector::Factory(nullptr, "logged-1", "tolvan");
     const std::string log = dir.filePath("logged-1.txt").toStdString();
     connector->SetLogFileName(log);
     connector->StartLoggingToFile();
     Announce("logged-1", "_arvex-tolvan._tcp", Address("10.0.0.1", 4410), {});
-    EXPECT_EQ(Rows()[0][3].toStdString(), log);
+    EXPECT_EQ(Rows()[1][3].toStdString(), log);
     connector->StopLoggingToFile();
     _frame->OnRefresh();
-    EXPECT_EQ(Rows()[0][3], "");
-}
-
-TEST_F(Panel, WatchDialsTheLinkLocalAddressWithItsScope)
-{
-    Make();
-    _frame->OnWatchTolvanButtonClicked();  // nothing selected: nothing opens
-    EXPECT_TRUE(_frame->opened.empty());
-    Announce("both", "_arvex-tolvan._tcp", Address("10.0.0.5", 4410), {{"model", "Tolvan"}});
-    Announce("both", "_arvex-tolvan._tcp", Address("fe80::5", 4410, 4), {});
-    Announce("global", "_arvex-tolvan._tcp", Address("2001:db8::5", 4410), {{"model", "Tolvan"}});
-    Announce("global", "_arvex-tolvan._tcp", Address("10.0.0.6", 4410), {});
-    Select("both");
-    _frame->OnWatchTolvanButtonClicked();
-    Select("global");
-    _frame->OnWatchTolvanButtonClicked();
-    EXPECT_EQ(_frame->opened, (std::vector<Request>{{Window::WatchTolvan, "both", "tolvan", "fe80::5", 4, 4410, true},
-                                                    {Window::WatchTolvan, "global", "tolvan", "10.0.0.6", 0, 4410,
-                                                     true}}));
+    EXPECT_EQ(Rows()[1][3], "");
 }
 
 TEST_F(Panel, OtherParsing)
@@ -256,36 +256,6 @@ TEST_F(Panel, OtherParsing)
         EXPECT_EQ(target.window, row.window) << row.text;
         EXPECT_EQ(target.type, row.type) << row.text;
     }
-}
-
-TEST_F(Panel, OtherRowAsksForTheAddressAndRemembersIt)
-{
-    Make();
-    QString offered = "unset";
-    // Each answer takes the offered text, types `typed` (null: keeps it), and accepts or cancels.
-    auto answer = [&](const char* typed, bool accept) {
-        AnswerInputDialog([&offered, typed, accept](QInputDialog& dialog) {
-            EXPECT_EQ(dialog.windowTitle(), "Connect To Other Instrument");
-            EXPECT_EQ(dialog.labelText(), "Address:");
-            offered = dialog.textValue();
-            if (typed)
-                dialog.setTextValue(typed);
-            accept ? dialog.accept() : dialog.reject();
-        });
-    };
-    answer("10.0.0.5:50111", true);
-    _frame->OnItemDoubleClicked(Select("Other..."), 0);
-    EXPECT_EQ(offered, "");
-    EXPECT_EQ(_frame->opened,
-              (std::vector<Request>{{Window::WatchBremmel, "10.0.0.5", "bremmel", "10.0.0.5", 0, 50111, false}}));
-    // The last address is offered again; cancelling opens nothing and forgets it; empty opens nothing.
-    answer(nullptr, false);
-    _frame->OnOtherButtonClicked();
-    EXPECT_EQ(offered, "10.0.0.5:50111");
-    answer(nullptr, true);
-    _frame->OnOtherButtonClicked();
-    EXPECT_EQ(offered, "");
-    EXPECT_EQ(_frame->opened.size(), 1u);
 }
 
 TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
@@ -341,13 +311,16 @@ TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
     }
 }
 
+// A helper gets the panel's defines on standard input, then a blank line; the directory of the
+// program has a blank in it, which works only because it is quoted in front of the command.
 TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
 {
     QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    QFile helper(dir.filePath("cmd_show"));
+    ASSERT_TRUE(dir.isValid() && QDir(dir.path()).mkdir("my programs"));
+    const std::string program_dir = dir.filePath("my programs").toStdString() + "/";
+    QFile helper(QString::fromStdString(program_dir + "cmd_show"));
     ASSERT_TRUE(helper.open(QIODevice::WriteOnly));
-    helper.write("#!/bin/sh\nIFS= read -r json\nprintf '%s\\n' \"$json\"\n");
+    helper.write("#!/bin/sh\nIFS= read -r json\nIFS= read -r blank\nprintf '%s|%s|%s\\n' \"$1\" \"$json\" \"$blank\"\n");
     helper.close();
     helper.setPermissions(helper.permissions() | QFileDevice::ExeOwner);
 
@@ -359,14 +332,16 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
         });
     DescriptionFile file("<config><defines><define><name>ipv4</name><value>from-file</value></define></defines>"
                          "<buttons><button><caption>Show</caption><cmds>"
-                         "<cmd description=\"Show $(name)\">cmd_show</cmd></cmds></button>"
+                         "<cmd description=\"Show $(name)\">cmd_show x</cmd></cmds></button>"
                          "<button><caption>Empty</caption></button></buttons></config>");
-    Make(dir.filePath("sondar").toStdString());
+    Make(program_dir + "sondar");
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("10.1.2.3", 4410), {{"model", "Tolvan"}, {"ver", "1.2"}},
              "tolvan-1.local.");
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("fe80::1", 4410, 3), {});
     Select("ch4-1");
+    testing::internal::CaptureStdout();
     Button("Show...")->click();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_show x\n");
 
     auto* dialog = _frame->findChild<ExternalDialog*>();
     ASSERT_NE(dialog, nullptr);
@@ -374,10 +349,10 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     EXPECT_EQ(boxes[0], "Show -- Finished");
     // A define of the file is not replaced by the panel's own (ipv4).
     const std::string json = "{\"host\":\"tolvan-1.local.\",\"ip\":\"fe80::1%3\",\"ipv4\":\"from-file\","
-                             "\"model\":\"Tolvan\",\"name\":\"ch4-1\",\"program_dir\":\"" +
-                             dir.path().toStdString() + "/\",\"ver\":\"1.2\"}";
+                             "\"model\":\"Tolvan\",\"name\":\"ch4-1\",\"program_dir\":\"" + program_dir +
+                             "\",\"ver\":\"1.2\"}";
     EXPECT_EQ(dialog->findChild<ExternalTextEdit*>()->toPlainText().toStdString(),
-              "*** Show ch4-1 ***\n" + json + "\n");
+              "*** Show ch4-1 ***\nx|" + json + "|\n");
     delete dialog;
 
     // A button without commands, and an index out of range, do nothing.
@@ -411,6 +386,14 @@ TEST_F(Panel, InstrumentsNamedByHandAreListedAsIfAnnounced)
 TEST_F(Panel, DiscoveredInstrumentsAreListed)
 {
     DescriptionFile file("<config><services><service>_arvex-tolvan._tcp</service></services></config>");
+    // A service error is printed and never thrown.
+    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
+    testing::internal::CaptureStdout();
+    Make();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "ERROR: Unable to browse for service: _arvex-tolvan._tcp: Unknown Error\n");
+    EXPECT_EQ(Rows().size(), 1u);
+
     FakeService tolvan;
     tolvan.name = "ch4-sim-1";
     tolvan.type = "_arvex-tolvan._tcp";
@@ -432,16 +415,54 @@ TEST_F(Panel, DiscoveredInstrumentsAreListed)
     EXPECT_EQ(Rows()[0][0], "Other...");
 }
 
-// A service error is printed and never thrown.
-TEST_F(Panel, BrowseFailureIsPrinted)
+TEST(InstInfo, NamesSortWithoutRegardToCase)
 {
-    DescriptionFile file("<config><services><service>_arvex-tolvan._tcp</service></services></config>");
-    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
-    testing::internal::CaptureStdout();
-    Make();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "ERROR: Unable to browse for service: _arvex-tolvan._tcp: Unknown Error\n");
-    EXPECT_EQ(Rows().size(), 1u);
+    std::vector<InstInfo> list;
+    for (const char* name : {"gamma", "Beta", "alpha", "Other...", "beta2", "ALPHA1"})
+        list.push_back(InstInfo{name, {}, "", "", {}});
+    std::stable_sort(list.begin(), list.end());
+    std::vector<std::string> names;
+    for (const InstInfo& info : list)
+        names.push_back(info.name);
+    EXPECT_EQ(names, (std::vector<std::string>{"alpha", "ALPHA1", "Beta", "beta2", "gamma", "Other..."}));
+}
+
+// IPv6 link-local with its scope first (when asked for), then IPv4, then any IPv6.
+TEST(InstInfo, AddressSelection)
+{
+    const struct {
+        const char* what;
+        std::set<SocketAddress> addresses;
+        bool prefer_ipv6;
+        std::string address;
+        int scope, port;
+        std::string ll;  // SelectIPv6LL
+    } rows[] = {
+        {"none", {}, true, "", 0, 0, ""},
+        {"link-local beats IPv4", {Address("10.0.0.5", 4410), Address("fe80::1", 4411, 3)}, true, "fe80::1", 3, 4411,
+         "fe80::1%3"},
+        {"IPv4 when not preferring IPv6", {Address("10.0.0.5", 4410), Address("fe80::1", 4411, 3)}, false,
+         "10.0.0.5", 0, 4410, "fe80::1%3"},
+        {"global IPv6 comes last", {Address("2001:db8::7", 4412), Address("10.0.0.5", 4410)}, true, "10.0.0.5", 0,
+         4410, "10.0.0.5"},
+        {"global IPv6 alone", {Address("2001:db8::7", 4412)}, true, "2001:db8::7", 0, 4412, "2001:db8::7"},
+        {"IPv4 link-local is no IPv6", {Address("169.254.1.2", 4410), Address("2001:db8::7", 4412)}, true,
+         "169.254.1.2", 0, 4410, "169.254.1.2"},
+        {"link-local among globals", {Address("2001:db8::7", 4412), Address("fe80::9", 4413, 2)}, true, "fe80::9", 2,
+         4413, "fe80::9%2"},
+        {"link-local without scope", {Address("fe80::9", 4413)}, true, "fe80::9", 0, 4413, "fe80::9"},
+        {"first IPv4 by set order", {Address("10.0.0.9", 4410), Address("10.0.0.5", 4410)}, false, "10.0.0.5", 0,
+         4410, "10.0.0.5"},
+    };
+    for (const auto& row : rows) {
+        const InstInfo info{"x", row.addresses, "x.local.", "tolvan", {}};
+        int scope = -1, port = -1;
+        EXPECT_EQ(info.SelectIPAddress(row.prefer_ipv6, &scope, &port), row.address) << row.what;
+        EXPECT_EQ(scope, row.scope) << row.what;
+        EXPECT_EQ(port, row.port) << row.what;
+        EXPECT_EQ(info.SelectIPAddress(row.prefer_ipv6), row.address) << row.what;
+        EXPECT_EQ(info.SelectIPv6LL(), row.ll) << row.what;
+    }
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "app/aboutdialog.h"
 #include "app/mycalmainwindow.h"
 #include "app/myframe.h"
 #include "app/mymainwindow.h"
@@ -12,6 +13,8 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <map>
@@ -63,6 +66,8 @@ protected:
 std::unique_ptr<QTemporaryDir> Windows::_settings_dir;
 std::vector<ShownMessage> Windows::_messages;
 
+// The calibration panel dials a full target and sends the opening lines, dials nothing without
+// one, and reports a refused connection over itself.
 TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
@@ -87,15 +92,22 @@ TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
               "<arvex><tolvan><output><status>true</status><waveforms>true</waveforms><dataclock>true</dataclock>"
               "<dataclocksync>false</dataclocksync></output></tolvan></arvex>\n");
     EXPECT_TRUE(_messages.empty());
-}
 
-TEST_F(Windows, CalibrationPanelWithoutFullTargetDoesNotDial) {
+    // Without a full target it does not dial.
     const std::tuple<const char*, const char*, int> rows[] = {
         {"cal-browse-1", "", 0}, {"cal-browse-2", "127.0.0.1", 0}, {"cal-browse-3", "", 4410}};
     for (const auto& [name, address, port] : rows) {
-        MyCalMainWindow window("", name, address, port);
+        MyCalMainWindow browsing("", name, address, port);
         EXPECT_EQ(Connector::LookupConnector(name)->ConnectedTo(), "") << name;
     }
+
+    // A refused connection is reported over the panel.
+    const quint16 closed_port = server.serverPort();
+    server.close();
+    MyCalMainWindow refused("", "cal-refused", "127.0.0.1", closed_port);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !_messages.empty(); }, kTimeoutMs));
+    EXPECT_EQ(_messages[0].parent, &refused);
+    EXPECT_EQ(_messages[0].title, "Connect To Instrument");
 }
 
 // In browse mode the panel dials the service of exactly its name, at the address discovery reports.
@@ -125,20 +137,9 @@ TEST_F(Windows, CalibrationPanelBrowsesForItsInstrument) {
     EXPECT_FALSE(other_case.hasPendingConnections());
 }
 
-TEST_F(Windows, RefusedConnectionIsReportedOverThePanel) {
-    quint16 closed_port;
-    {
-        QTcpServer server;
-        ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-        closed_port = server.serverPort();
-    }
-    MyCalMainWindow window("", "cal-refused", "127.0.0.1", closed_port);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !_messages.empty(); }, kTimeoutMs));
-    EXPECT_EQ(_messages[0].parent, &window);
-    EXPECT_EQ(_messages[0].title, "Connect To Instrument");
-}
-
-TEST_F(Windows, MainWindowMenu) {
+// The File menu; the test host actions stand in no menu but are wired to the panel.
+TEST_F(Windows, MainWindowMenuAndTestHostActions)
+{
     MyMainWindow window("Arvex Sondar", "/opt/arvex/sondar");
     const auto menus = window.menuBar()->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
     ASSERT_EQ(menus.size(), 1);
@@ -147,12 +148,7 @@ TEST_F(Windows, MainWindowMenu) {
     for (QAction* action : menus[0]->actions())
         texts << (action->isSeparator() ? "--" : action->text());
     EXPECT_EQ(texts, QStringList({"&About...", "&Refresh", "--", "E&xit"}));
-}
 
-// The test host actions stand in no menu but are wired to the panel.
-TEST_F(Windows, TestHostActions)
-{
-    MyMainWindow window("Arvex Sondar", "/opt/arvex/sondar");
     auto* frame = qobject_cast<MyFrame*>(window.centralWidget());
     ASSERT_NE(frame, nullptr);
     std::map<QString, QAction*> actions;
@@ -205,6 +201,60 @@ TEST_F(Windows, GeometryIsKeptApartPerWindow) {
     EXPECT_EQ(main_window.size(), QSize(523, 311));
     MyCalMainWindow cal_window("", "cal-geometry", "", 0);
     EXPECT_EQ(cal_window.size(), QSize(611, 499));
+}
+
+struct Row {
+    std::string program, about;
+};
+
+TEST(AboutTextPath, ExtensionReplaced) {
+    const Row rows[] = {
+        {"/opt/arvex/sondar.exe", "/opt/arvex/sondar.license"},
+        {"C:\\Arvex\\sondar.exe", "C:\\Arvex\\sondar.license"},
+        {"sondar.tar.gz", "sondar.tar.license"},           // only the last extension goes
+        {"/opt/arvex/sondar", "/opt/arvex/sondar.license"},
+        {"sondar", "sondar.license"},
+        {".sondar", ".sondar.license"},                    // a leading "." is not an extension
+        {"./sondar", "./sondar.license"},
+        {"", ".license"},
+        {"/home/a.b/sondar", "/home/a.license"},           // the last "." counts wherever it stands
+        {"sondar.", "sondar.license"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(AboutTextPath(r.program), r.about) << r.program;
+}
+
+// The About box shows its file as HTML, or one default line without it; the main window's About
+// action finds the file beside the program it was started as.
+TEST(About, ShowsTheFileBesideTheProgramAsHtmlOrOneDefaultLine) {
+    QTemporaryDir dir;
+    QFile file(dir.filePath("sondar.license"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<h1>Terms</h1>\n<p>Use it &amp; enjoy \xc3\xa5.</p>\n");
+    file.close();
+    const QString terms = QString::fromUtf8("Terms\nUse it & enjoy \xc3\xa5.");
+    AboutDialog dialog(nullptr, file.fileName().toStdString());
+    EXPECT_EQ(dialog.windowTitle(), "About this application...");
+    EXPECT_EQ(dialog.size(), QSize(640, 400));
+    auto* text = dialog.findChild<QTextEdit*>();
+    EXPECT_TRUE(text->isReadOnly());
+    EXPECT_EQ(text->toPlainText().trimmed(), terms);
+
+    AboutDialog missing(nullptr, dir.filePath("absent.license").toStdString());
+    const QString shown = missing.findChild<QTextEdit*>()->toPlainText();
+    EXPECT_FALSE(shown.isEmpty());
+    EXPECT_FALSE(shown.contains('\n'));
+
+    MyMainWindow window("Arvex Sondar", dir.filePath("sondar.bin").toStdString());
+    QString beside;
+    QTimer::singleShot(0, &window, [&] {
+        if (auto* about = window.findChild<AboutDialog*>()) {
+            beside = about->findChild<QTextEdit*>()->toPlainText().trimmed();
+            about->close();
+        }
+    });
+    window.OnAbout();
+    EXPECT_EQ(beside, terms);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // The client against the test double: every answer comes through a pipe, the client's socket
-// notifier and the event loop, as it does from a daemon.
+// notifier and the event loop, as it does from a daemon. The slot table and the resolver beside it.
 
 #include <gtest/gtest.h>
 
@@ -11,6 +11,8 @@
 #include <set>
 
 #include "discovery/bonjourclient.h"
+#include "discovery/bonjourresolver.h"
+#include "discovery/bonjourserviceref.h"
 #include "discovery_test_util.h"
 #include "tests/discovery/dnssd_double.h"
 
@@ -82,9 +84,14 @@ protected:
 
 TEST_F(Client, BrowseResolvesAndReportsOncePerAddress)
 {
-    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.1.2.3"),
-                    FakeRecord::Address("tolvan-1.local.", 2, "fe80::1"),
-                    FakeRecord::Address("tolvan-1.local.", 2, "2001:db8::7")});
+    DnsSdDouble::Announce(Tolvan());
+    for (const char* address : {"10.1.2.3", "fe80::1", "2001:db8::7"})
+        DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, address));
+    client->Browse(kType);
+    // Answers come from the event loop only.
+    EXPECT_TRUE(listener.added.empty());
+    EXPECT_TRUE(DnsSdDouble::Calls("Resolve").empty());
+    Settle();
 
     ASSERT_EQ(listener.added.size(), 3u);
     std::set<SocketAddress> addresses;
@@ -114,19 +121,13 @@ TEST_F(Client, BrowseResolvesAndReportsOncePerAddress)
     EXPECT_EQ(DnsSdDouble::LiveRefs(), DnsSdDouble::LiveRefs("Browse"));
 }
 
-TEST_F(Client, AnswersComeFromTheEventLoopOnly)
+// Which address answers are reported, with which scope, and how the TXT record reads.
+TEST_F(Client, AddressAnswersAndTxtEntries)
 {
-    DnsSdDouble::Announce(Tolvan());
-    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.1.2.3"));
-    client->Browse(kType);
-    EXPECT_TRUE(listener.added.empty());
-    EXPECT_TRUE(DnsSdDouble::Calls("Resolve").empty());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return listener.added.size() == 1; }, kTimeoutMs));
-}
-
-// Which address answers are reported, and with which scope.
-TEST_F(Client, AddressAnswers)
-{
+    using Map = std::map<std::string, std::string>;
+    auto record = [](unsigned interface_index, const char* address) {
+        return FakeRecord::Address("tolvan-1.local.", interface_index, address);
+    };
     auto short_record = [](std::uint16_t rrtype, std::size_t size) {
         return FakeRecord{"tolvan-1.local.", 2, rrtype, std::string(size, '\x01')};
     };
@@ -135,112 +136,80 @@ TEST_F(Client, AddressAnswers)
         FakeRecord record;
         bool reported;
         unsigned scope;
+        std::string txt = Tolvan().txt;
+        Map entries = {{"model", "Tolvan"}, {"ver", "1.2"}, {"company", "Arvex"}};
     };
     const Row rows[] = {
-        {"A", FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"), true, 0},
-        {"A without interface", FakeRecord::Address("tolvan-1.local.", 0, "10.0.0.1"), true, 0},
-        {"A link-local", FakeRecord::Address("tolvan-1.local.", 2, "169.254.3.4"), true, 0},
-        {"AAAA link-local", FakeRecord::Address("tolvan-1.local.", 2, "fe80::1"), true, 2},
-        {"AAAA link-local, scope from the answer", FakeRecord::Address("tolvan-1.local.", 5, "fe80::1"), true, 5},
-        {"AAAA global", FakeRecord::Address("tolvan-1.local.", 2, "2001:db8::1"), true, 0},
-        {"AAAA fe81 is not link-local", FakeRecord::Address("tolvan-1.local.", 2, "fe81::1"), true, 0},
-        {"AAAA link-local without interface", FakeRecord::Address("tolvan-1.local.", 0, "fe80::1"), false, 0},
-        {"AAAA global without interface", FakeRecord::Address("tolvan-1.local.", 0, "2001:db8::1"), false, 0},
+        {"A", record(2, "10.0.0.1"), true, 0},
+        {"A without interface", record(0, "10.0.0.1"), true, 0},
+        {"A link-local", record(2, "169.254.3.4"), true, 0},
+        {"AAAA link-local", record(2, "fe80::1"), true, 2},
+        {"AAAA link-local, scope from the answer", record(5, "fe80::1"), true, 5},
+        {"AAAA global", record(2, "2001:db8::1"), true, 0},
+        {"AAAA fe81 is not link-local", record(2, "fe81::1"), true, 0},
+        {"AAAA link-local without interface", record(0, "fe80::1"), false, 0},
+        {"AAAA global without interface", record(0, "2001:db8::1"), false, 0},
         {"A of 3 bytes", short_record(1, 3), false, 0},
         {"AAAA of 15 bytes", short_record(28, 15), false, 0},
+        {"empty TXT", record(2, "10.0.0.1"), true, 0, "", {}},
+        {"value with =", record(2, "10.0.0.1"), true, 0, "\x05" "a=b=c", {{"a", "b=c"}}},
+        {"key without =", record(2, "10.0.0.1"), true, 0, "\x04" "flag\x03k=v", {{"k", "v"}}},
+        {"empty key, empty value", record(2, "10.0.0.1"), true, 0, "\x02k=\x02=v", {{"k", ""}, {"", "v"}}},
+        {"empty entry", record(2, "10.0.0.1"), true, 0, std::string("\x00\x03k=v", 5), {{"k", "v"}}},
+        {"last of a key wins", record(2, "10.0.0.1"), true, 0, "\x03k=1\x03k=2", {{"k", "2"}}},
+        {"keys keep their case", record(2, "10.0.0.1"), true, 0, "\x03K=1\x03k=2", {{"K", "1"}, {"k", "2"}}},
+        {"entry beyond the end", record(2, "10.0.0.1"), true, 0, "\x03k=v\x09x=y", {{"k", "v"}}},
+        {"entry a byte beyond the end", record(2, "10.0.0.1"), true, 0, "\x03k=v\x04x=y", {{"k", "v"}}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        const RecordingListener heard = Heard(Tolvan(), row.record);
+        FakeService service = Tolvan();
+        service.txt = row.txt;
+        const RecordingListener heard = Heard(service, row.record);
         EXPECT_TRUE(heard.errors.empty());
         ASSERT_EQ(heard.added.size(), row.reported ? 1u : 0u);
         if (row.reported) {
             EXPECT_EQ(heard.added[0].interface_index, row.record.interface_index);
             EXPECT_EQ(heard.added[0].address.Scope(), row.scope);
             EXPECT_EQ(heard.added[0].address.Port(), 4410);
+            EXPECT_EQ(heard.added[0].txt, row.entries);
         }
     }
 }
 
-TEST_F(Client, TxtEntries)
-{
-    using Map = std::map<std::string, std::string>;
-    struct Row {
-        std::string txt;
-        Map expected;
-    };
-    const Row rows[] = {
-        {"", {}},
-        {std::string("\x05" "a=b=c"), {{"a", "b=c"}}},
-        {std::string("\x04" "flag\x03k=v"), {{"k", "v"}}},
-        {std::string("\x02k=\x02=v"), {{"k", ""}, {"", "v"}}},
-        {std::string("\x00\x03k=v", 5), {{"k", "v"}}},
-        {std::string("\x03k=1\x03k=2"), {{"k", "2"}}},
-        {std::string("\x03K=1\x03k=2"), {{"K", "1"}, {"k", "2"}}},
-        {std::string("\x03k=v\x09x=y"), {{"k", "v"}}},
-        {std::string("\x03k=v\x04x=y"), {{"k", "v"}}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.txt));
-        FakeService service = Tolvan();
-        service.txt = row.txt;
-        const RecordingListener heard = Heard(service, FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
-        ASSERT_EQ(heard.added.size(), 1u);
-        EXPECT_EQ(heard.added[0].txt, row.expected);
-    }
-}
-
-TEST_F(Client, ErrorWords)
-{
-    struct Row {
-        DNSServiceErrorType code;
-        const char* word;
-    };
-    // The ends of the range and both sides of its gap; without a word the message stays bare.
-    const Row rows[] = {
-        {-65537, "Unknown Error"}, {-65545, "Not Initialized"}, {-65546, nullptr}, {-65547, "Already Registered"},
-        {-65559, "Bad Time"},      {-65560, nullptr},           {-1, nullptr},     {1, nullptr},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.code);
-        listener.errors.clear();
-        DnsSdDouble::FailNext("Browse", row.code);
-        client->Browse("_x._tcp");
-        const std::string expected =
-            std::string("Unable to browse for service: _x._tcp") + (row.word ? std::string(": ") + row.word : "");
-        EXPECT_EQ(listener.errors, std::vector<std::string>{expected});
-    }
-    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
-}
-
 // Failures of the calls made by the program may throw, if the listener asks for it; failures
-// that come from the event loop never do.
+// that come from the event loop never do; without a listener nothing does.
 TEST_F(Client, WhatMayThrow)
 {
-    struct Row {
-        const char* what;
+    const auto browse = [](BonjourClient& c) { c.Browse("_x._tcp"); };
+    const std::string bare = "Unable to browse for service: _x._tcp";
+    const struct {
+        const char* function;  // that fails
+        DNSServiceErrorType code;
         std::function<void(BonjourClient&)> call;
         std::string message;
+    } synchronous[] = {
+        // The ends of the range of words and both sides of its gap; without a word the message stays bare.
+        {"Browse", -65537, browse, bare + ": Unknown Error"},
+        {"Browse", -65545, browse, bare + ": Not Initialized"},
+        {"Browse", -65546, browse, bare},
+        {"Browse", -65547, browse, bare + ": Already Registered"},
+        {"Browse", -65559, browse, bare + ": Bad Time"},
+        {"Browse", -65560, browse, bare},
+        {"Browse", -1, browse, bare},
+        {"Browse", 1, browse, bare},
+        {"Register", kDNSServiceErr_BadParam, [](BonjourClient& c) { c.Register("me", "_x._tcp", "", 1, {}); },
+         "Unable to register service: me: Bad Parameter"},
+        {"ReconfirmRecord", kDNSServiceErr_Refused,
+         [](BonjourClient& c) { c.Confirm("h.local.", SocketAddress("10.0.0.1")); },
+         "Unable to confirm: h.local.: Refused"},
     };
-    const Row synchronous[] = {
-        {"browse", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
-             c.Browse("_x._tcp");
-         }, "Unable to browse for service: _x._tcp: Unknown Error"},
-        {"register", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("Register", kDNSServiceErr_BadParam);
-             c.Register("me", "_x._tcp", "", 1, {});
-         }, "Unable to register service: me: Bad Parameter"},
-        {"confirm", [](BonjourClient& c) {
-             DnsSdDouble::FailNext("ReconfirmRecord", kDNSServiceErr_Refused);
-             c.Confirm("h.local.", SocketAddress("10.0.0.1"));
-         }, "Unable to confirm: h.local.: Refused"},
-    };
-    for (const Row& row : synchronous) {
-        SCOPED_TRACE(row.what);
+    for (const auto& row : synchronous) {
+        SCOPED_TRACE(row.message);
         for (bool ask : {false, true}) {
             listener.errors.clear();
             listener.throw_on_error = ask;
+            DnsSdDouble::FailNext(row.function, row.code);
             if (ask) {
                 try {
                     row.call(*client);
@@ -256,15 +225,19 @@ TEST_F(Client, WhatMayThrow)
     }
     EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
 
-    // From the event loop: the listener asks for exceptions, gets none, and hears every failure.
+    // From the event loop: the listener asks for exceptions, gets none, and hears every failure
+    // but that of a resolve that cannot start, which is dropped in silence.
     listener.errors.clear();
     listener.throw_on_error = true;
+    DnsSdDouble::FailNext("Resolve", kDNSServiceErr_Unknown);
+    Find(Tolvan("unstartable", "unstartable.local."), {FakeRecord::Address("unstartable.local.", 2, "10.0.0.1")});
     FakeService unresolvable = Tolvan("no-such");
     unresolvable.resolve_error = kDNSServiceErr_NoSuchName;
     FakeService refused = Tolvan("refused", "refused.local.");
     DnsSdDouble::AddRecord({"refused.local.", 2, 1, "", kDNSServiceErr_Refused});
     FakeService unqueryable = Tolvan("unqueryable", "unqueryable.local.");
-    Find(unresolvable, {});
+    DnsSdDouble::Announce(unresolvable);
+    Settle();
     DnsSdDouble::Announce(refused);
     Settle();
     DnsSdDouble::FailNext("QueryRecord", kDNSServiceErr_BadParam);
@@ -285,19 +258,23 @@ TEST_F(Client, WhatMayThrow)
                                    "Error registering: Name Conflict",
                                    "Unable to process result: Unknown Error",
                                }));
+    EXPECT_TRUE(listener.added.empty());
     // Each failed request gave its slot back. Left are the AAAA queries of "refused" and
     // "unqueryable", which nothing answers.
     EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 2u);
     EXPECT_EQ(DnsSdDouble::LiveRefs("QueryRecord").size(), 2u);
-}
 
-TEST_F(Client, ResolveThatCannotStartIsDroppedSilently)
-{
-    DnsSdDouble::FailNext("Resolve", kDNSServiceErr_Unknown);
-    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1")});
-    EXPECT_TRUE(listener.errors.empty());
-    EXPECT_TRUE(listener.added.empty());
-    EXPECT_EQ(DnsSdDouble::LiveRefs().size(), 1u);
+    // Without a listener the same failures and finds go unheard, and nothing throws.
+    client = std::make_unique<BonjourClient>(nullptr);
+    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
+    EXPECT_NO_THROW(client->Browse("_y._tcp"));
+    DnsSdDouble::Announce(Tolvan());
+    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
+    client->Browse(kType);
+    client->Register("me", "_x._tcp", "", 1, {});
+    Settle();
+    client->Clear();
+    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
 }
 
 TEST_F(Client, OutOfResources)
@@ -326,11 +303,9 @@ TEST_F(Client, OutOfResources)
 
     listener.throw_on_error = true;
     EXPECT_THROW(client->Browse("_t101._tcp"), BonjourClient::Error);
-}
 
-// The resolve and the two address queries behind a service need slots of their own.
-TEST_F(Client, OutOfResourcesInsideTheChain)
-{
+    // The resolve and the two address queries behind a service need slots of their own.
+    client.reset();
     struct Row {
         int browses_before;
         std::vector<std::string> errors;
@@ -361,15 +336,6 @@ TEST_F(Client, OutOfResourcesInsideTheChain)
     }
 }
 
-TEST_F(Client, RemovedService)
-{
-    Find(Tolvan(), {FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1")});
-    DnsSdDouble::Withdraw("ch4-sim-1");
-    Settle();
-    EXPECT_EQ(listener.removed, std::vector<std::string>{"ch4-sim-1|_arvex-tolvan._tcp|local."});
-    EXPECT_EQ(DnsSdDouble::Calls("Resolve").size(), 1u);
-}
-
 TEST_F(Client, ClearThenBrowseFindsEverythingAgain)
 {
     DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
@@ -392,9 +358,14 @@ TEST_F(Client, ClearThenBrowseFindsEverythingAgain)
         names.insert(found.name);
     EXPECT_EQ(names, (std::multiset<std::string>{"ch4-sim-1", "ch4-sim-1", "ch4-sim-2", "ch4-sim-2"}));
     EXPECT_TRUE(listener.errors.empty());
+
+    DnsSdDouble::Withdraw("ch4-sim-2");
+    Settle();
+    EXPECT_EQ(listener.removed, std::vector<std::string>{"ch4-sim-2|_arvex-tolvan._tcp|local."});
+    EXPECT_EQ(DnsSdDouble::Calls("Resolve").size(), 6u) << "a removal resolves nothing";
 }
 
-TEST_F(Client, Register)
+TEST_F(Client, RegisterAndConfirm)
 {
     client->Register("ch4-sim-1", kType, "", 4410, {{"ver", "1.2"}, {"model", "Tolvan"}, {"company", "Arvex"}});
     client->Register("long", "_x._tcp", "local.", 1, {{"k", std::string(300, 'v')}});
@@ -414,33 +385,67 @@ TEST_F(Client, Register)
     EXPECT_EQ(listener.registered, (std::vector<std::string>{"ch4-sim-1|_arvex-tolvan._tcp|local.", "long|_x._tcp|local."}));
     // The registrations last as long as the client.
     EXPECT_EQ(DnsSdDouble::LiveRefs("Register").size(), 2u);
-}
 
-TEST_F(Client, Confirm)
-{
     client->Confirm("tolvan-1.local.", Address("10.1.2.3", 4410));
     client->Confirm("tolvan-1.local.", Address("fe80::1", 4410, 2));
-    const auto calls = DnsSdDouble::Calls("ReconfirmRecord");
-    ASSERT_EQ(calls.size(), 2u);
-    EXPECT_EQ(Shown(calls[0]), "0|0|tolvan-1.local.|||1|1");
-    EXPECT_EQ(calls[0].data, std::string("\x0a\x01\x02\x03"));
-    EXPECT_EQ(Shown(calls[1]), "0|0|tolvan-1.local.|||28|1");
-    EXPECT_EQ(calls[1].data, std::string("\xfe\x80", 2) + std::string(13, '\0') + "\x01");
+    const auto confirms = DnsSdDouble::Calls("ReconfirmRecord");
+    ASSERT_EQ(confirms.size(), 2u);
+    EXPECT_EQ(Shown(confirms[0]), "0|0|tolvan-1.local.|||1|1");
+    EXPECT_EQ(confirms[0].data, std::string("\x0a\x01\x02\x03"));
+    EXPECT_EQ(Shown(confirms[1]), "0|0|tolvan-1.local.|||28|1");
+    EXPECT_EQ(confirms[1].data, std::string("\xfe\x80", 2) + std::string(13, '\0') + "\x01");
     EXPECT_TRUE(listener.errors.empty());
 }
 
-TEST_F(Client, WithoutListener)
+// The slot table, driven directly: the client never asks beyond it, so every index out of range
+// gives the spare.
+TEST(CallbackWindow, IndexOutOfRangeGivesTheSpare)
 {
-    BonjourClient quiet(nullptr);
-    DnsSdDouble::Announce(Tolvan());
-    DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "10.0.0.1"));
-    quiet.Browse(kType);
-    quiet.Register("me", "_x._tcp", "", 1, {});
-    Settle();
-    DnsSdDouble::FailNext("Browse", kDNSServiceErr_Unknown);
-    EXPECT_NO_THROW(quiet.Browse("_y._tcp"));
-    quiet.Clear();
-    EXPECT_TRUE(DnsSdDouble::LiveRefs().empty());
+    BonjourClientCallbackWindow table(nullptr);
+    DNSServiceRef* spare = table.GetDNSServiceRef(-1);
+    EXPECT_EQ(table.GetDNSServiceRef(100), spare);
+    EXPECT_EQ(table.GetDNSServiceRef(1000), spare);
+    for (int i = 0; i < 100; ++i)
+        EXPECT_NE(table.GetDNSServiceRef(i), spare) << i;
+    EXPECT_NE(table.GetDNSServiceRef(0), table.GetDNSServiceRef(99));
+    EXPECT_FALSE(table.SelectDNSServiceRef(100));
+    EXPECT_FALSE(table.SelectDNSServiceRef(0)) << "a free slot has nothing to watch";
+    EXPECT_EQ(table.FindDNSServiceRefIndex(nullptr), -1);
+}
+
+// BonjourResolver, fed by hand: one record per service name, every address in it; the lookup
+// ignores case, the removal does not.
+TEST(Resolver, GathersAddressesPerName)
+{
+    BonjourResolver resolver;
+    EXPECT_FALSE(resolver.Changed());
+    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 2, "t1.local.", Address("10.0.0.1", 4410),
+                        {{"model", "Tolvan"}});
+    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 3, "other.local.", Address("fe80::1", 4410),
+                        {{"model", "changed"}});
+    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 2, "t1.local.", Address("10.0.0.1", 4410), {});
+    resolver.AddService("CH4-Ünit", "_arvex-tolvan._tcp", "local.", 2, "t2.local.", Address("10.0.0.2", 4410), {});
+    EXPECT_TRUE(resolver.Changed());
+    ASSERT_EQ(resolver.Hosts().size(), 2u);
+    const auto& first = *resolver.Hosts()[0];
+    EXPECT_EQ(first.name + "|" + first.host, "ch4-1|t1.local.");
+    EXPECT_EQ(first.interface_index, 2u);
+    EXPECT_EQ(first.txt, (std::map<std::string, std::string>{{"model", "Tolvan"}}));
+    EXPECT_EQ(first.addresses, (std::set<SocketAddress>{Address("10.0.0.1", 4410), Address("fe80::1", 4410)}));
+
+    EXPECT_EQ(resolver.Lookup("ch4-ünit"), resolver.Hosts()[1]);
+    EXPECT_EQ(resolver.Lookup("CH4-1"), resolver.Hosts()[0]);
+    EXPECT_EQ(resolver.Lookup("ch4"), nullptr);
+    resolver.Changed(false);
+    resolver.RemoveService("ch4-ünit", "_t._tcp", "local.");
+    EXPECT_TRUE(resolver.Changed());
+    EXPECT_EQ(resolver.Hosts().size(), 2u);
+    resolver.RemoveService("CH4-Ünit", "_t._tcp", "local.");
+    EXPECT_EQ(resolver.Hosts().size(), 1u);
+    EXPECT_EQ(resolver.Lookup("CH4-Ünit"), nullptr);
+    // Names differing in case are different services.
+    resolver.AddService("CH4-1", "_arvex-tolvan._tcp", "local.", 2, "t2.local.", Address("10.0.0.2", 4410), {});
+    EXPECT_EQ(resolver.Hosts().size(), 2u);
 }
 
 }  // namespace

@@ -32,16 +32,15 @@ inline std::vector<std::string> InterfaceNames()
 
 /// One AddService call.
 struct FoundAddress {
-    std::string name;
-    std::string type;
-    std::string domain;
+    std::string name, type, domain;
     unsigned interface_index;
     std::string host;
     SocketAddress address;
     std::map<std::string, std::string> txt;
 };
 
-/// Keeps every call. ServiceError answers `throw_on_error`.
+/// Keeps every call; removals and registrations as "name|type|domain". ServiceError answers
+/// `throw_on_error`.
 class RecordingListener : public BonjourClientListener {
 public:
     void AddService(std::string name, std::string type, std::string domain, unsigned interface_index,
@@ -50,13 +49,13 @@ public:
     {
         added.push_back({name, type, domain, interface_index, host, address, txt});
     }
-    void RemoveService(std::string name, std::string type, std::string domain) override
+    void RemoveService(std::string n, std::string t, std::string d) override
     {
-        removed.push_back(name + "|" + type + "|" + domain);
+        removed.push_back(n + "|" + t + "|" + d);
     }
-    void ServiceRegistered(std::string name, std::string type, std::string domain) override
+    void ServiceRegistered(std::string n, std::string t, std::string d) override
     {
-        registered.push_back(name + "|" + type + "|" + domain);
+        registered.push_back(n + "|" + t + "|" + d);
     }
     bool ServiceError(std::string message) override
     {
@@ -65,8 +64,6 @@ public:
     }
 
     std::vector<FoundAddress> added;
-    std::vector<std::string> removed;
-    std::vector<std::string> registered;
-    std::vector<std::string> errors;
+    std::vector<std::string> removed, registered, errors;
     bool throw_on_error = false;
 };

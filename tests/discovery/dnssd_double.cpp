@@ -11,18 +11,12 @@
 #include <functional>
 #include <map>
 
-namespace {
-
-// One answer waiting on a reference: a failure of DNSServiceProcessResult itself, or a call of
-// the reference's callback.
-struct Answer {
-    DNSServiceErrorType process_error = kDNSServiceErr_NoError;
-    std::function<void(DNSServiceRef)> deliver;
-};
-
-}  // namespace
-
 struct _DNSServiceRef_t {
+    // One answer waiting: a failure of DNSServiceProcessResult itself, or a call of the callback.
+    struct Answer {
+        DNSServiceErrorType process_error = kDNSServiceErr_NoError;
+        std::function<void(DNSServiceRef)> deliver;
+    };
     std::string function;
     std::string type;  // of a browse
     DNSServiceBrowseReply browse_reply = nullptr;
@@ -53,66 +47,45 @@ std::string Text(const char* text)
     return text ? text : "(null)";
 }
 
-// Writes the call down; the caller fills in what else it has.
-DnsSdCall& Record(const std::string& function, DNSServiceFlags flags, std::uint32_t interface_index, const char* name)
-{
-    DnsSdCall call;
-    call.function = function;
-    call.flags = flags;
-    call.interface_index = interface_index;
-    call.name = Text(name);
-    world().calls.push_back(call);
-    return world().calls.back();
-}
-
-bool IsLive(DNSServiceRef ref)
+// False, and a failure of the test, for a reference that is not live.
+bool IsLive(DNSServiceRef ref, const char* function)
 {
     const auto& refs = world().refs;
-    return std::find(refs.begin(), refs.end(), ref) != refs.end();
+    if (std::find(refs.begin(), refs.end(), ref) != refs.end())
+        return true;
+    ADD_FAILURE() << function << " on a reference that is not live";
+    return false;
 }
 
+// The failure asked for the next call of `function`, once; none is 0.
 DNSServiceErrorType TakeFailure(const std::string& function)
 {
-    auto& failures = world().failures;
-    const auto found = failures.find(function);
-    if (found == failures.end())
-        return kDNSServiceErr_NoError;
-    const DNSServiceErrorType code = found->second;
-    failures.erase(found);
+    const DNSServiceErrorType code = world().failures[function];
+    world().failures.erase(function);
     return code;
 }
 
-DNSServiceRef NewRef(const std::string& function, void* context)
+// Writes the call down and, unless a failure was asked for, makes the reference that answers it.
+DNSServiceErrorType Start(const DnsSdCall& call, DNSServiceRef* sdRef, void* context)
 {
+    world().calls.push_back(call);
+    if (const DNSServiceErrorType code = TakeFailure(call.function))
+        return code;
     int fds[2];
     if (pipe2(fds, O_CLOEXEC) != 0) {
         ADD_FAILURE() << "pipe2 failed";
-        return nullptr;
+        return kDNSServiceErr_Unknown;
     }
-    auto* ref = new _DNSServiceRef_t;
-    ref->function = function;
-    ref->context = context;
-    ref->read_fd = fds[0];
-    ref->write_fd = fds[1];
-    world().refs.push_back(ref);
-    return ref;
+    *sdRef = new _DNSServiceRef_t{call.function, call.type, nullptr, context, fds[0], fds[1], {}};
+    world().refs.push_back(*sdRef);
+    return kDNSServiceErr_NoError;
 }
 
-void Queue(DNSServiceRef ref, Answer answer)
+void Queue(DNSServiceRef ref, _DNSServiceRef_t::Answer answer)
 {
     ref->answers.push_back(std::move(answer));
     const char byte = 0;
     EXPECT_EQ(write(ref->write_fd, &byte, 1), 1);
-}
-
-void QueueBrowse(DNSServiceRef ref, DNSServiceFlags flags, std::uint32_t interface_index, DNSServiceErrorType code,
-                 const std::string& name, const std::string& type, const std::string& domain)
-{
-    const DNSServiceBrowseReply reply = ref->browse_reply;
-    void* context = ref->context;
-    Queue(ref, {kDNSServiceErr_NoError, [=](DNSServiceRef r) {
-                    reply(r, flags, interface_index, code, name.c_str(), type.c_str(), domain.c_str(), context);
-                }});
 }
 
 // A batch of answers: all but the last say that more are coming.
@@ -121,13 +94,22 @@ DNSServiceFlags BatchFlags(std::size_t i, std::size_t count, DNSServiceFlags fla
     return i + 1 < count ? flags | kDNSServiceFlagsMoreComing : flags;
 }
 
-std::vector<DNSServiceRef> BrowsesFor(const std::string& type)
+// Tells the live browses for `type`, or only `only`, of a service that came or went, or of an error.
+void TellBrowses(const std::string& type, DNSServiceFlags flags, std::uint32_t interface_index,
+                 DNSServiceErrorType code, const std::string& name, const std::string& domain,
+                 DNSServiceRef only = nullptr)
 {
-    std::vector<DNSServiceRef> browses;
-    for (DNSServiceRef ref : world().refs)
-        if (ref->function == "Browse" && ref->type == type)
-            browses.push_back(ref);
-    return browses;
+    for (DNSServiceRef ref : world().refs) {
+        if (ref->function != "Browse" || ref->type != type || (only && ref != only))
+            continue;
+        const DNSServiceBrowseReply reply = ref->browse_reply;
+        void* context = ref->context;
+        const std::string answer_type = code ? "" : type;
+        Queue(ref, {kDNSServiceErr_NoError, [=](DNSServiceRef r) {
+                        reply(r, flags, interface_index, code, name.c_str(), answer_type.c_str(), domain.c_str(),
+                              context);
+                    }});
+    }
 }
 
 }  // namespace
@@ -142,19 +124,13 @@ FakeRecord FakeRecord::Address(const std::string& host, std::uint32_t interface_
 
 void DnsSdDouble::Reset()
 {
-    auto& w = world();
-    w.services.clear();
-    w.records.clear();
-    w.calls.clear();
-    w.failures.clear();
+    world() = World{{}, {}, {}, {}, world().refs};
 }
 
 void DnsSdDouble::Announce(const FakeService& service)
 {
     world().services.push_back(service);
-    for (DNSServiceRef ref : BrowsesFor(service.type))
-        QueueBrowse(ref, kDNSServiceFlagsAdd, service.interface_index, kDNSServiceErr_NoError, service.name,
-                    service.type, service.domain);
+    TellBrowses(service.type, kDNSServiceFlagsAdd, service.interface_index, 0, service.name, service.domain);
 }
 
 void DnsSdDouble::Withdraw(const std::string& name)
@@ -165,9 +141,7 @@ void DnsSdDouble::Withdraw(const std::string& name)
     ASSERT_NE(found, services.end()) << name;
     const FakeService service = *found;
     services.erase(found);
-    for (DNSServiceRef ref : BrowsesFor(service.type))
-        QueueBrowse(ref, 0, service.interface_index, kDNSServiceErr_NoError, service.name, service.type,
-                    service.domain);
+    TellBrowses(service.type, 0, service.interface_index, 0, service.name, service.domain);
 }
 
 void DnsSdDouble::AddRecord(const FakeRecord& record)
@@ -182,8 +156,7 @@ void DnsSdDouble::FailNext(const std::string& function, DNSServiceErrorType code
 
 void DnsSdDouble::BrowseError(const std::string& type, DNSServiceErrorType code)
 {
-    for (DNSServiceRef ref : BrowsesFor(type))
-        QueueBrowse(ref, 0, 0, code, "", "", "");
+    TellBrowses(type, 0, 0, code, "", "");
 }
 
 void DnsSdDouble::FailProcessing(DNSServiceRef ref, DNSServiceErrorType code)
@@ -228,22 +201,17 @@ DNSServiceErrorType DNSSD_API DNSServiceBrowse(DNSServiceRef* sdRef, DNSServiceF
                                                const char* regtype, const char* domain, DNSServiceBrowseReply callBack,
                                                void* context)
 {
-    DnsSdCall& call = Record("Browse", flags, interfaceIndex, "");
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    if (const DNSServiceErrorType code = TakeFailure("Browse"))
+    const DnsSdCall call{"Browse", flags, interfaceIndex, "", Text(regtype), Text(domain), "", 0, 0, 0, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef("Browse", context);
-    ref->type = regtype;
-    ref->browse_reply = callBack;
+    (*sdRef)->browse_reply = callBack;
     std::vector<FakeService> found;
     for (const FakeService& service : world().services)
-        if (service.type == ref->type)
+        if (service.type == regtype)
             found.push_back(service);
     for (std::size_t i = 0; i < found.size(); ++i)
-        QueueBrowse(ref, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index,
-                    kDNSServiceErr_NoError, found[i].name, found[i].type, found[i].domain);
-    *sdRef = ref;
+        TellBrowses(regtype, BatchFlags(i, found.size(), kDNSServiceFlagsAdd), found[i].interface_index, 0,
+                    found[i].name, found[i].domain, *sdRef);
     return kDNSServiceErr_NoError;
 }
 
@@ -251,24 +219,20 @@ DNSServiceErrorType DNSSD_API DNSServiceResolve(DNSServiceRef* sdRef, DNSService
                                                 const char* name, const char* regtype, const char* domain,
                                                 DNSServiceResolveReply callBack, void* context)
 {
-    DnsSdCall& call = Record("Resolve", flags, interfaceIndex, name);
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    if (const DNSServiceErrorType code = TakeFailure("Resolve"))
+    const DnsSdCall call{"Resolve", flags, interfaceIndex, Text(name), Text(regtype), Text(domain), "", 0, 0, 0, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef("Resolve", context);
     for (const FakeService& s : world().services) {
-        if (s.name != Text(name) || s.type != Text(regtype) || s.domain != Text(domain))
+        if (s.name != call.name || s.type != call.type || s.domain != call.domain)
             continue;
-        Queue(ref, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
-                        const std::string full_name = s.name + "." + s.type + "." + s.domain;
-                        callBack(r, 0, s.interface_index, s.resolve_error, full_name.c_str(), s.host.c_str(),
-                                 htons(s.port), std::uint16_t(s.txt.size()),
-                                 reinterpret_cast<const unsigned char*>(s.txt.data()), context);
-                    }});
+        Queue(*sdRef, {kDNSServiceErr_NoError, [s, callBack, context](DNSServiceRef r) {
+                           const std::string full_name = s.name + "." + s.type + "." + s.domain;
+                           callBack(r, 0, s.interface_index, s.resolve_error, full_name.c_str(), s.host.c_str(),
+                                    htons(s.port), std::uint16_t(s.txt.size()),
+                                    reinterpret_cast<const unsigned char*>(s.txt.data()), context);
+                       }});
         break;
     }
-    *sdRef = ref;
     return kDNSServiceErr_NoError;
 }
 
@@ -277,24 +241,21 @@ DNSServiceErrorType DNSSD_API DNSServiceQueryRecord(DNSServiceRef* sdRef, DNSSer
                                                     uint16_t rrclass, DNSServiceQueryRecordReply callBack,
                                                     void* context)
 {
-    DnsSdCall& call = Record("QueryRecord", flags, interfaceIndex, fullname);
-    call.rrtype = rrtype;
-    call.rrclass = rrclass;
-    if (const DNSServiceErrorType code = TakeFailure("QueryRecord"))
+    const DnsSdCall call{"QueryRecord", flags, interfaceIndex, Text(fullname), "", "", "", 0, rrtype, rrclass, ""};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef("QueryRecord", context);
     std::vector<FakeRecord> found;
     for (const FakeRecord& record : world().records)
-        if (record.host == Text(fullname) && record.rrtype == rrtype)
+        if (record.host == call.name && record.rrtype == rrtype)
             found.push_back(record);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const DNSServiceFlags answer_flags = BatchFlags(i, found.size(), kDNSServiceFlagsAdd);
-        Queue(ref, {kDNSServiceErr_NoError, [r = found[i], answer_flags, rrclass, callBack, context](DNSServiceRef s) {
-                        callBack(s, answer_flags, r.interface_index, r.error, r.host.c_str(), r.rrtype, rrclass,
-                                 std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
-                    }});
+        const FakeRecord r = found[i];
+        Queue(*sdRef, {kDNSServiceErr_NoError, [=](DNSServiceRef q) {
+                           callBack(q, answer_flags, r.interface_index, r.error, r.host.c_str(), r.rrtype, rrclass,
+                                    std::uint16_t(r.rdata.size()), r.rdata.data(), 120, context);
+                       }});
     }
-    *sdRef = ref;
     return kDNSServiceErr_NoError;
 }
 
@@ -304,22 +265,16 @@ DNSServiceErrorType DNSSD_API DNSServiceRegister(DNSServiceRef* sdRef, DNSServic
                                                  const void* txtRecord, DNSServiceRegisterReply callBack,
                                                  void* context)
 {
-    DnsSdCall& call = Record("Register", flags, interfaceIndex, name);
-    call.type = Text(regtype);
-    call.domain = Text(domain);
-    call.host = Text(host);
-    call.port = port;
-    call.data.assign(static_cast<const char*>(txtRecord), txtLen);
-    if (const DNSServiceErrorType code = TakeFailure("Register"))
+    const DnsSdCall call{"Register", flags, interfaceIndex, Text(name), Text(regtype), Text(domain), Text(host),
+                         port, 0, 0, std::string(static_cast<const char*>(txtRecord), txtLen)};
+    if (const DNSServiceErrorType code = Start(call, sdRef, context))
         return code;
-    DNSServiceRef ref = NewRef("Register", context);
     const std::string registered_domain = domain && *domain ? domain : "local.";
     const DNSServiceErrorType answer_code = TakeFailure("RegisterReply");
-    Queue(ref, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
-                    callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
-                             registered_domain.c_str(), context);
-                }});
-    *sdRef = ref;
+    Queue(*sdRef, {kDNSServiceErr_NoError, [call, registered_domain, answer_code, callBack, context](DNSServiceRef r) {
+                       callBack(r, kDNSServiceFlagsAdd, answer_code, call.name.c_str(), call.type.c_str(),
+                                registered_domain.c_str(), context);
+                   }});
     return kDNSServiceErr_NoError;
 }
 
@@ -327,34 +282,26 @@ DNSServiceErrorType DNSSD_API DNSServiceReconfirmRecord(DNSServiceFlags flags, u
                                                         const char* fullname, uint16_t rrtype, uint16_t rrclass,
                                                         uint16_t rdlen, const void* rdata)
 {
-    DnsSdCall& call = Record("ReconfirmRecord", flags, interfaceIndex, fullname);
-    call.rrtype = rrtype;
-    call.rrclass = rrclass;
-    call.data.assign(static_cast<const char*>(rdata), rdlen);
+    world().calls.push_back({"ReconfirmRecord", flags, interfaceIndex, Text(fullname), "", "", "", 0, rrtype, rrclass,
+                             std::string(static_cast<const char*>(rdata), rdlen)});
     return TakeFailure("ReconfirmRecord");
 }
 
 int DNSSD_API DNSServiceRefSockFD(DNSServiceRef sdRef)
 {
-    if (!IsLive(sdRef)) {
-        ADD_FAILURE() << "DNSServiceRefSockFD on a reference that is not live";
-        return -1;
-    }
-    return sdRef->read_fd;
+    return IsLive(sdRef, "DNSServiceRefSockFD") ? sdRef->read_fd : -1;
 }
 
 DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
 {
-    if (!IsLive(sdRef)) {
-        ADD_FAILURE() << "DNSServiceProcessResult on a reference that is not live";
+    if (!IsLive(sdRef, "DNSServiceProcessResult"))
         return kDNSServiceErr_BadReference;
-    }
     char byte;
     if (read(sdRef->read_fd, &byte, 1) != 1 || sdRef->answers.empty()) {
         ADD_FAILURE() << "DNSServiceProcessResult without an answer waiting";
         return kDNSServiceErr_Unknown;
     }
-    const Answer answer = std::move(sdRef->answers.front());
+    const auto answer = std::move(sdRef->answers.front());
     sdRef->answers.pop_front();
     if (answer.process_error != kDNSServiceErr_NoError)
         return answer.process_error;
@@ -365,13 +312,10 @@ DNSServiceErrorType DNSSD_API DNSServiceProcessResult(DNSServiceRef sdRef)
 
 void DNSSD_API DNSServiceRefDeallocate(DNSServiceRef sdRef)
 {
-    auto& refs = world().refs;
-    const auto found = std::find(refs.begin(), refs.end(), sdRef);
-    if (found == refs.end()) {
-        ADD_FAILURE() << "DNSServiceRefDeallocate on a reference that is not live";
+    if (!IsLive(sdRef, "DNSServiceRefDeallocate"))
         return;
-    }
-    refs.erase(found);
+    auto& refs = world().refs;
+    refs.erase(std::find(refs.begin(), refs.end(), sdRef));
     close(sdRef->read_fd);
     close(sdRef->write_fd);
     delete sdRef;

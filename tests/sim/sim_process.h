@@ -1,5 +1,6 @@
 #pragma once
-// A real sondar-sim for a test, and a bare socket as its client: both driven by the event loop.
+// A real sondar-sim for a test, and a bare socket as its client, both driven by the event loop; lines
+// of the stream, fields of a record, documents as text.
 
 #include <gtest/gtest.h>
 
@@ -11,10 +12,55 @@
 
 #include <algorithm>
 #include <functional>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "configurable/configurable.h"
 #include "link/connector.h"
+
+/// The lines of a piece of the stream, without their line feeds; or, split at tabs, the fields of
+/// a line, the record name first.
+inline std::vector<std::string> split_lines(const std::string& text, char end = '\n')
+{
+    std::vector<std::string> parts;
+    std::istringstream in(text);
+    for (std::string part; std::getline(in, part, end);)
+        parts.push_back(part);
+    return parts;
+}
+
+inline std::vector<std::string> fields(const std::string& line)
+{
+    return split_lines(line, '\t');
+}
+
+/// The lines of one record name.
+inline std::vector<std::string> records(const std::string& text, const std::string& name)
+{
+    std::vector<std::string> found;
+    for (const std::string& line : split_lines(text))
+        if (line.compare(0, name.size() + 1, name + '\t') == 0)
+            found.push_back(line);
+    return found;
+}
+
+/// A document as one line, as the instrument answers "<arvex>&query;</arvex>".
+inline std::string compact_query(const Configurable& doc)
+{
+    std::ostringstream out;
+    Configurable::set_compact(out, true);
+    doc.configuration(out);
+    return out.str();
+}
+
+/// The text with the clock's time and date blanked: they move on between two queries.
+inline std::string without_clock_time(const std::string& text)
+{
+    static const std::regex clock("<clock><time>[^<]*</time><date>[^<]*</date>");
+    return std::regex_replace(text, clock, "<clock><time/><date/>");
+}
 
 // Generous: sanitizer builds on a busy machine start slowly.
 inline constexpr int TIMEOUT_MS = 30000;
@@ -122,14 +168,11 @@ public:
     {
         events.push_back(event);
     }
-    bool WaitFor(const std::string& record)
+    bool WaitFor(const std::string& record) { return WaitIn(data, record); }
+    bool WaitForEvent(const std::string& event) { return WaitIn(events, event); }
+    static bool WaitIn(const std::vector<std::string>& heard, const std::string& what)
     {
-        return QTest::qWaitFor([&] { return std::find(data.begin(), data.end(), record) != data.end(); }, TIMEOUT_MS);
-    }
-    bool WaitForEvent(const std::string& event)
-    {
-        return QTest::qWaitFor([&] { return std::find(events.begin(), events.end(), event) != events.end(); },
-                               TIMEOUT_MS);
+        return QTest::qWaitFor([&] { return std::find(heard.begin(), heard.end(), what) != heard.end(); }, TIMEOUT_MS);
     }
     bool WaitForData(size_t more)
     {
