@@ -119,13 +119,14 @@ TEST(ModelsEndToEnd, EveryRowOpensItsWindowWithLiveValues)
         auto* table = window->findChild<MyTableWidget*>();
         for (int column : {1, 3})  // "DATA" and "DATASTAT"
             EXPECT_TRUE(QTest::qWaitFor([&] { return filled(*table, 0, column); }, TIMEOUT_MS)) << row.model << column;
-        if (*row.announced)
+        if (*row.announced) {
             EXPECT_TRUE(QTest::qWaitFor([&] {
                 for (int column = 0; column < table->columnCount(); column += 2)
                     if (table->horizontalHeaderItem(column)->text() == row.announced)
                         return true;
                 return false;
             }, TIMEOUT_MS)) << row.model;
+        }
     }
 }
 

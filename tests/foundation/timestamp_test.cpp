@@ -57,8 +57,9 @@ TEST(Timestamp, ReadsAndWrites) {
         bool good;
         EXPECT_DOUBLE_EQ(Read(row.text, 0, &good).get(), row.seconds) << row.text;
         EXPECT_EQ(good, row.seconds != -1) << row.text;
-        if (!row.written || *row.written)
+        if (!row.written || *row.written) {
             EXPECT_EQ(Write(Timestamp(row.seconds)), row.written ? row.written : row.text);
+        }
     }
 }
 
