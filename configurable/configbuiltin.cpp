@@ -131,6 +131,53 @@ bool read_plain_word(std::istream& in, std::string& word)
     return true;
 }
 
+// printf's "%.6g" of a float of magnitude in [1e-4, 1e6), which it prints without an exponent.
+// A float times a power of ten up to 1e9 is exact in a double, so the six digits are rounded once,
+// from the exact value, half to even as printf does. Null for other values.
+char* print_float_g6(char* first, float value)
+{
+    static constexpr double scale[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const double x = std::fabs(double(value));
+    if (!(x < 1e6))
+        return nullptr;
+    int exp = 5;  // x >= 10^exp
+    while (x * scale[5 - exp] < 1e5)
+        if (--exp < -4)
+            return nullptr;
+    auto digits = static_cast<uint32_t>(std::nearbyint(x * scale[5 - exp]));
+    if (digits == 1000000) {  // rounded up to the next power of ten
+        digits = 100000;
+        if (++exp == 6)
+            return nullptr;
+    }
+    char six[6];
+    for (int i = 5; i >= 0; --i, digits /= 10)
+        six[i] = char('0' + digits % 10);
+    int n = 6;
+    while (n > 1 && six[n - 1] == '0' && n > exp + 1)
+        --n;
+    char* out = first;
+    if (std::signbit(value))
+        *out++ = '-';
+    if (exp < 0) {
+        *out++ = '0';
+        *out++ = '.';
+        for (int i = -1; i > exp; --i)
+            *out++ = '0';
+        for (int i = 0; i < n; ++i)
+            *out++ = six[i];
+        return out;
+    }
+    for (int i = 0; i <= exp; ++i)
+        *out++ = six[i];
+    if (n > exp + 1) {
+        *out++ = '.';
+        for (int i = exp + 1; i < n; ++i)
+            *out++ = six[i];
+    }
+    return out;
+}
+
 // `out << value` for a stream in its default settings, without going through the locale's number
 // printer: to_chars with a precision prints as printf does, which is what that printer ends in.
 template <class T>
@@ -142,10 +189,17 @@ bool write_plain_number(std::ostream& out, T value)
         return false;
     char text[32];
     std::to_chars_result r;
-    if constexpr (std::is_floating_point_v<T>)
+    if constexpr (std::is_floating_point_v<T>) {
+        if constexpr (std::is_same_v<T, float>) {
+            if (char* end = print_float_g6(text, value)) {
+                out.write(text, end - text);
+                return true;
+            }
+        }
         r = std::to_chars(text, text + sizeof text, double(value), std::chars_format::general, 6);
-    else
+    } else {
         r = std::to_chars(text, text + sizeof text, value);
+    }
     if (r.ec != std::errc())
         return false;
     out.write(text, r.ptr - text);

@@ -72,7 +72,8 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
 // Leaves print plain streams without the locale's printer: the text must be what operator<< gives.
 TEST(Leaves, PrintedAsTheStreamPrints)
 {
-    const double reals[] = {0.1, 1234567, 1e-5, -0.0, 0.1234, 123456.5, 999999.5, 3.4e38, 1e-40, 1e300,
+    const double reals[] = {0.1, 1234567, 1e-5, 1e-4, -0.00012345678, -0.0, 0.1234, 12.3456, 99999.95, 123456.5,
+                            999999.5, 3.4e38, 1e-40, 1e300,
                             std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                             std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()};
     for (double value : reals) {
