@@ -142,11 +142,19 @@ private:
 // then up to the first byte that can't be in one, or through a ";".
 inline std::size_t xml_name_length(const std::string& name)
 {
-    if (name.empty() || !xml_name_start(static_cast<unsigned char>(name[0])))
+    const auto* p = reinterpret_cast<const unsigned char*>(name.data());
+    const std::size_t size = name.size();
+    if (size == 0 || !(xml_class::table.bits[p[0]] & xml_class::NAME_START))
         return 0;
     std::size_t n = 1;
-    while (n < name.size() && name[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(name[n])))
+    while (n < size) {
+        const unsigned char c = p[n];
+        if (!(xml_class::table.bits[c] & xml_class::NAME))
+            break;
         ++n;
+        if (c == ';')
+            break;
+    }
     return n;
 }
 
