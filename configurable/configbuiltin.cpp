@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <ctime>
 #include <iomanip>
 #include <istream>
@@ -24,14 +25,24 @@ bool is_c_digit(char c)
     return c >= '0' && c <= '9';
 }
 
+// Whether a stream uses the classic locale; where the library allows, without the copy that
+// getloc() makes, whose reference counts cost more than the rest of the check.
+bool classic_locale(const std::ios_base& s)
+{
+#ifdef __GLIBCXX__
+    return s._M_getloc() == std::locale::classic();
+#else
+    return s.getloc() == std::locale::classic();
+#endif
+}
+
 // A stream that extracts as the classic locale does, skipping white space first, with nothing tied
 // and no field width: the scanners below stand in for its extractors on the bytes in its buffer.
 bool plain_input(std::istream& in)
 {
     constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
     return in.rdbuf() && in.good() && !in.tie() && in.width() == 0 &&
-           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults &&
-           in.getloc() == std::locale::classic();
+           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults && classic_locale(in);
 }
 
 // Takes [start, stop) out of the buffer of a plain stream, where `stop` is a byte that ends the item
@@ -116,6 +127,20 @@ bool read_plain_number(std::istream& in, T& value)
     return true;
 }
 
+// `std::getline(in, text, '\0')` when the rest of the input is in the buffer of a good stream with
+// nothing tied, holds no '\0' and is not empty: takes all of it, setting eofbit as getline would.
+bool read_plain_rest(std::istream& in, std::string& text)
+{
+    if (!in.rdbuf() || !in.good() || in.tie())
+        return false;
+    const char* const start = StreamGetArea::next(*in.rdbuf());
+    const char* const end = StreamGetArea::end(*in.rdbuf());
+    if (!start || start == end || std::memchr(start, '\0', size_t(end - start)) || !take(in, start, end))
+        return false;
+    text.assign(start, end);
+    return true;
+}
+
 // `in >> word` for a word that ends at white space or at a vouched end of input.
 bool read_plain_word(std::istream& in, std::string& word)
 {
@@ -185,7 +210,7 @@ bool write_plain_number(std::ostream& out, T value)
 {
     constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
     if (!out.good() || out.tie() || out.flags() != defaults || out.width() != 0 ||
-        (std::is_floating_point_v<T> && out.precision() != 6) || out.getloc() != std::locale::classic())
+        (std::is_floating_point_v<T> && out.precision() != 6) || !classic_locale(out))
         return false;
     char text[32];
     std::to_chars_result r;
@@ -438,7 +463,7 @@ void ConfigurableString::set(const std::string& value)
 void ConfigurableString::read(std::istream& in, std::ostream& err)
 {
     std::string text;
-    if (std::getline(in, text, '\0'))
+    if (read_plain_rest(in, text) || std::getline(in, text, '\0'))
         set(text);
     else
         err << "unable to read string\n";
@@ -641,7 +666,7 @@ void ConfigurableMultipleChoice::set(int index)
 void ConfigurableMultipleChoice::read(std::istream& in, std::ostream& err)
 {
     std::string text;
-    if (!std::getline(in, text, '\0'))
+    if (!read_plain_rest(in, text) && !std::getline(in, text, '\0'))
         return fail(in, err, "unable to read choice");
     for (size_t i = 0; i < _choices->size(); ++i) {
         if ((*_choices)[i] == text) {

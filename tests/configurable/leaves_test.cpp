@@ -54,8 +54,11 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
         ConfigurableDouble d1("d", 1), d2("d", 1);
         ConfigurableInteger i1("i", 1), i2("i", 1);
         ConfigurableBool b1("b", false), b2("b", false);
-        for (auto [by_message, by_stream] :
-             {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2}, {&i1, &i2}, {&b1, &b2}}) {
+        ConfigurableString s1("s", "x"), s2("s", "x");
+        static const std::vector<std::string> choices{"true", " false ", "12 34"};
+        ConfigurableMultipleChoice c1("c", choices, 0), c2("c", choices, 0);
+        for (auto [by_message, by_stream] : {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2},
+                                             {&i1, &i2}, {&b1, &b2}, {&s1, &s2}, {&c1, &c2}}) {
             std::ostringstream reply;
             XMLWriter writer(reply, false);
             const bool ok = by_message->_read(text, writer);
@@ -66,6 +69,8 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
         }
         EXPECT_EQ(f1.get(), f2.get()) << text;
         EXPECT_EQ(d1.get(), d2.get()) << text;
+        EXPECT_EQ(s1.get(), s2.get()) << text;
+        EXPECT_EQ(c1.get(), c2.get()) << text;
     }
 }
 
