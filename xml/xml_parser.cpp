@@ -84,12 +84,34 @@ void XMLParser::_read_token()
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();
-        if (_start_tag_open)
+        if (_shortcut(tok))
+            ; // read whole
+        else if (_start_tag_open)
             _read_inside_tag(tok);
         else
             _read_outside_tag(tok);
     }
     _in.finish();
+}
+
+bool XMLParser::_shortcut(TokenInfo& tok)
+{
+    bool closed;
+    const auto s = _in.shortcut(_start_tag_open, closed, tok.text, tok.value);
+    if (closed)
+        _start_tag_open = false;
+    switch (s) {
+    case XMLCharReader::START_TAG:
+        tok.type = START_ELEMENT;
+        _open_element = &tok;
+        _start_tag_open = true;
+        return true;
+    case XMLCharReader::END_TAG: tok.type = END_ELEMENT; return true;
+    case XMLCharReader::TEXT: tok.type = STRING; return true;
+    case XMLCharReader::ATTRIBUTE: tok.type = ATTRIBUTE; return true;
+    case XMLCharReader::PAIR: tok.type = ATTRIBUTE_VALUE_PAIR; return true;
+    default: return false;
+    }
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const

@@ -69,6 +69,8 @@ private:
     TokenType _advance();
     TokenInfo& _new_token();
     void _read_token();
+    // A token that XMLCharReader::shortcut reads whole; false if none.
+    bool _shortcut(TokenInfo& tok);
     void _read_outside_tag(TokenInfo& tok);
     void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;

@@ -8,7 +8,8 @@
 // Character classes of the C locale; bytes above 127 belong to none. A
 // table, since the scanners ask for every byte.
 namespace xml_class {
-enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16 };
+// NAME_PLAIN: a name byte that does not end the name, i.e. other than ';'.
+enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16, NAME_PLAIN = 32 };
 
 struct Table {
     unsigned char bits[256] = {};
@@ -25,6 +26,10 @@ struct Table {
         bits[':'] = bits['_'] = NAME_START | NAME;
         bits['-'] = bits['.'] = bits[';'] = NAME;
         bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
+        for (auto& b : bits)
+            if (b & NAME)
+                b |= NAME_PLAIN;
+        bits[';'] &= ~NAME_PLAIN;
     }
 };
 inline constexpr Table table{};
@@ -110,6 +115,14 @@ public:
     // The XMLString reading rules; `out` is cleared first.
     void read_string(std::string& out);
 
+    // What shortcut() read.
+    enum Shortcut : unsigned char { NONE, START_TAG, END_TAG, TEXT, ATTRIBUTE, PAIR };
+    // Reads a common token of a good stream whole when all of it lies in the window, just as the
+    // byte-wise rules would: "<name", "</name>", unquoted text free of entities up to the byte that
+    // ends it, and in a start tag a name or name="value" free of entities. NONE touches nothing.
+    // In a start tag the token may follow the ">" that closes the tag, which `closed` then tells.
+    Shortcut shortcut(bool in_tag, bool& closed, std::string& text, std::string& value);
+
 private:
     bool _good() const { return _state == std::ios::goodbit; }
     void _skip_ws_slow();
@@ -124,6 +137,8 @@ private:
     void _read_quoted(std::string& out, int quote);
     void _read_unquoted(std::string& out);
     void _read_entity(std::string& out);
+    Shortcut _outside(const char* p, std::string& text);
+    Shortcut _attribute(const char* p, std::string& name, std::string& value);
 
     std::istream& _is;
     std::streambuf* _sb = nullptr;
