@@ -5,6 +5,8 @@
 #include <istream>
 #include <string>
 
+#include "foundation/streambuf_areas.h"
+
 // Character classes of the C locale; bytes above 127 belong to none. A
 // table, since the scanners ask for every byte.
 namespace xml_class {
@@ -74,8 +76,21 @@ public:
     XMLCharReader(const XMLCharReader&) = delete;
     XMLCharReader& operator=(const XMLCharReader&) = delete;
 
-    void start();
-    void finish();
+    void start()
+    {
+        _state = _is.rdstate();
+        std::streambuf* sb = _is.rdbuf();
+        // A window kept from the last token stays good while the buffer is where it was left.
+        if (!sb || sb != _sb || _local || StreamGetArea::next(*sb) != _p || StreamGetArea::end(*sb) != _end)
+            _restart(sb);
+    }
+    void finish()
+    {
+        if (_local)
+            _release();
+        else if (_p)
+            StreamGetArea::bump(*_sb, static_cast<int>(_p - StreamGetArea::next(*_sb)));
+    }
 
     // The stream's state as the reads so far left it.
     bool failed() const { return _state & (std::ios::failbit | std::ios::badbit); }
@@ -125,6 +140,7 @@ public:
 
 private:
     bool _good() const { return _state == std::ios::goodbit; }
+    void _restart(std::streambuf* sb);
     void _skip_ws_slow();
     // Makes bytes available, or fails the stream as get() does at the end.
     bool _more();

@@ -9,24 +9,11 @@
 
 using GetArea = StreamGetArea;
 
-void XMLCharReader::start()
+void XMLCharReader::_restart(std::streambuf* sb)
 {
-    _state = _is.rdstate();
-    std::streambuf* sb = _is.rdbuf();
-    // A window kept from the last token stays good while the buffer is where it was left.
-    if (!sb || sb != _sb || _local || GetArea::next(*sb) != _p || GetArea::end(*sb) != _end) {
-        _sb = sb;
-        _begin = _p = _end = nullptr;
-        _local = false;
-    }
-}
-
-void XMLCharReader::finish()
-{
-    if (_local)
-        _release();
-    else if (_p)
-        GetArea::bump(*_sb, static_cast<int>(_p - GetArea::next(*_sb)));
+    _sb = sb;
+    _begin = _p = _end = nullptr;
+    _local = false;
 }
 
 bool XMLCharReader::_refill()
