@@ -178,15 +178,9 @@ inline std::size_t xml_name_length(const std::string& name)
     if (size == 0 || !(xml_class::table.bits[p[0]] & xml_class::NAME_START))
         return 0;
     std::size_t n = 1;
-    while (n < size) {
-        const unsigned char c = p[n];
-        if (!(xml_class::table.bits[c] & xml_class::NAME))
-            break;
+    while (n < size && (xml_class::table.bits[p[n]] & xml_class::NAME_PLAIN))
         ++n;
-        if (c == ';')
-            break;
-    }
-    return n;
+    return n < size && p[n] == ';' ? n + 1 : n;
 }
 
 // XMLString's escaping: hands plain runs of `text` to run(const char*, size_t) and the entity of
