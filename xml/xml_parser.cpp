@@ -84,12 +84,12 @@ void XMLParser::_read_token()
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();
-        if (_shortcut(tok))
-            ; // read whole
-        else if (_start_tag_open)
-            _read_inside_tag(tok);
-        else
-            _read_outside_tag(tok);
+        if (!_shortcut(tok)) {
+            if (_start_tag_open)
+                _read_inside_tag(tok);
+            else
+                _read_outside_tag(tok);
+        }
     }
     _in.finish();
 }
