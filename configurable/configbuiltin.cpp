@@ -156,6 +156,23 @@ bool read_plain_word(std::istream& in, std::string& word)
     return true;
 }
 
+// `out << text` or `out.write(...)` for a good stream with nothing tied, no field width and no
+// unitbuf: what they do then, less the sentry and the calls around it.
+bool put_plain(std::ostream& out, const char* text, std::size_t n)
+{
+    if (!out.good() || out.tie() || out.width() != 0 || (out.flags() & std::ios_base::unitbuf))
+        return false;
+    if (out.rdbuf()->sputn(text, std::streamsize(n)) != std::streamsize(n))
+        out.setstate(std::ios_base::badbit);
+    return true;
+}
+
+void put_text(std::ostream& out, const std::string& text)
+{
+    if (!put_plain(out, text.data(), text.size()))
+        out << text;
+}
+
 // printf's "%.6g" of a float of magnitude in [1e-4, 1e6), which it prints without an exponent.
 // A float times a power of ten up to 1e9 is exact in a double, so the six digits are rounded once,
 // from the exact value, half to even as printf does. Null for other values.
@@ -217,7 +234,8 @@ bool write_plain_number(std::ostream& out, T value)
     if constexpr (std::is_floating_point_v<T>) {
         if constexpr (std::is_same_v<T, float>) {
             if (char* end = print_float_g6(text, value)) {
-                out.write(text, end - text);
+                if (!put_plain(out, text, std::size_t(end - text)))
+                    out.write(text, end - text);
                 return true;
             }
         }
@@ -227,7 +245,8 @@ bool write_plain_number(std::ostream& out, T value)
     }
     if (r.ec != std::errc())
         return false;
-    out.write(text, r.ptr - text);
+    if (!put_plain(out, text, std::size_t(r.ptr - text)))
+        out.write(text, r.ptr - text);
     return true;
 }
 
@@ -437,7 +456,8 @@ void ConfigurableBool::read(std::istream& in, std::ostream& err)
 
 void ConfigurableBool::write(std::ostream& out) const
 {
-    out << (_value ? "true" : "false");
+    if (!put_plain(out, _value ? "true" : "false", _value ? 4 : 5))
+        out << (_value ? "true" : "false");
 }
 
 void ConfigurableBool::write_doctype(std::ostream& out) const
@@ -471,7 +491,7 @@ void ConfigurableString::read(std::istream& in, std::ostream& err)
 
 void ConfigurableString::write(std::ostream& out) const
 {
-    out << _value;
+    put_text(out, _value);
 }
 
 void ConfigurableString::write_doctype(std::ostream& out) const
@@ -489,7 +509,7 @@ ConfigurableStringProxyReadOnly::ConfigurableStringProxyReadOnly(const std::stri
 
 void ConfigurableStringProxyReadOnly::write(std::ostream& out) const
 {
-    out << _target.get();
+    put_text(out, _target.get());
 }
 
 void ConfigurableStringProxyReadOnly::write_doctype(std::ostream& out) const
@@ -685,7 +705,7 @@ const std::string& ConfigurableMultipleChoice::get_string() const
 
 void ConfigurableMultipleChoice::write(std::ostream& out) const
 {
-    out << get_string();
+    put_text(out, get_string());
 }
 
 void ConfigurableMultipleChoice::write_doctype(std::ostream& out) const
