@@ -34,6 +34,28 @@ public:
             _os << s;
     }
 
+    // `open`, the name, `close`: one copy into the buffer when they fit.
+    template <std::size_t N, std::size_t M>
+    void tag(const char (&open)[N], const std::string& name, const char (&close)[M])
+    {
+        if (_plain) {
+            const std::size_t n = xml_name_length(name);
+            std::streambuf& sb = *_os.rdbuf();
+            char* to = StreamPutArea::next(sb);
+            if (to && static_cast<std::size_t>(StreamPutArea::end(sb) - to) >= N - 1 + n + M - 1) {
+                std::memcpy(to, open, N - 1);
+                std::memcpy(to + N - 1, name.data(), n);
+                std::memcpy(to + N - 1 + n, close, M - 1);
+                StreamPutArea::bump(sb, static_cast<int>(N - 1 + n + M - 1));
+                return;
+            }
+        }
+        markup(open);
+        this->name(name);
+        if (M > 1)
+            markup(close);
+    }
+
     void name(const std::string& name)
     {
         if (_plain)
@@ -107,9 +129,7 @@ void XMLWriter::WriteStartElement(const std::string& name)
     if (name.empty())
         return;
     write_indent();
-    Pieces out(_os);
-    out.markup("<");
-    out.name(name);
+    Pieces(_os).tag("<", name, "");
     inc_indent();
     _start_tag_open = true;
     _separator_due = true;
@@ -130,10 +150,7 @@ void XMLWriter::WriteEndElement(const std::string& name)
     } else {
         if (!_end_tag_on_line)
             write_indent();
-        Pieces out(_os);
-        out.markup("</");
-        out.name(name);
-        out.markup(">");
+        Pieces(_os).tag("</", name, ">");
     }
     _separator_due = false;
     _end_tag_on_line = false;
