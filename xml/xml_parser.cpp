@@ -33,13 +33,6 @@ XMLParser::TokenInfo& XMLParser::_new_token()
     return *tok;
 }
 
-XMLParser::TokenType XMLParser::GetNextToken()
-{
-    if (GetCurrToken() == ERROR)
-        return ERROR;
-    return _advance();
-}
-
 void XMLParser::PutBackToken()
 {
     if (_curr > 0)
@@ -68,14 +61,6 @@ void XMLParser::RecoverFromError()
             break;
         }
     }
-}
-
-XMLParser::TokenType XMLParser::_advance()
-{
-    if (_curr + 1 == _history.size())
-        _read_token();
-    _go(_curr + 1);
-    return _tok->type;
 }
 
 void XMLParser::_read_token()
