@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <ctime>
 #include <iomanip>
 #include <istream>
@@ -24,14 +25,24 @@ bool is_c_digit(char c)
     return c >= '0' && c <= '9';
 }
 
+// Whether a stream uses the classic locale; where the library allows, without the copy that
+// getloc() makes, whose reference counts cost more than the rest of the check.
+bool classic_locale(const std::ios_base& s)
+{
+#ifdef __GLIBCXX__
+    return s._M_getloc() == std::locale::classic();
+#else
+    return s.getloc() == std::locale::classic();
+#endif
+}
+
 // A stream that extracts as the classic locale does, skipping white space first, with nothing tied
 // and no field width: the scanners below stand in for its extractors on the bytes in its buffer.
 bool plain_input(std::istream& in)
 {
     constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
     return in.rdbuf() && in.good() && !in.tie() && in.width() == 0 &&
-           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults &&
-           in.getloc() == std::locale::classic();
+           (in.flags() & (std::ios_base::skipws | std::ios_base::basefield)) == defaults && classic_locale(in);
 }
 
 // Takes [start, stop) out of the buffer of a plain stream, where `stop` is a byte that ends the item
@@ -116,6 +127,20 @@ bool read_plain_number(std::istream& in, T& value)
     return true;
 }
 
+// `std::getline(in, text, '\0')` when the rest of the input is in the buffer of a good stream with
+// nothing tied, holds no '\0' and is not empty: takes all of it, setting eofbit as getline would.
+bool read_plain_rest(std::istream& in, std::string& text)
+{
+    if (!in.rdbuf() || !in.good() || in.tie())
+        return false;
+    const char* const start = StreamGetArea::next(*in.rdbuf());
+    const char* const end = StreamGetArea::end(*in.rdbuf());
+    if (!start || start == end || std::memchr(start, '\0', size_t(end - start)) || !take(in, start, end))
+        return false;
+    text.assign(start, end);
+    return true;
+}
+
 // `in >> word` for a word that ends at white space or at a vouched end of input.
 bool read_plain_word(std::istream& in, std::string& word)
 {
@@ -131,6 +156,70 @@ bool read_plain_word(std::istream& in, std::string& word)
     return true;
 }
 
+// `out << text` or `out.write(...)` for a good stream with nothing tied, no field width and no
+// unitbuf: what they do then, less the sentry and the calls around it.
+bool put_plain(std::ostream& out, const char* text, std::size_t n)
+{
+    if (!out.good() || out.tie() || out.width() != 0 || (out.flags() & std::ios_base::unitbuf))
+        return false;
+    if (out.rdbuf()->sputn(text, std::streamsize(n)) != std::streamsize(n))
+        out.setstate(std::ios_base::badbit);
+    return true;
+}
+
+void put_text(std::ostream& out, const std::string& text)
+{
+    if (!put_plain(out, text.data(), text.size()))
+        out << text;
+}
+
+// printf's "%.6g" of a float of magnitude in [1e-4, 1e6), which it prints without an exponent.
+// A float times a power of ten up to 1e9 is exact in a double, so the six digits are rounded once,
+// from the exact value, half to even as printf does. Null for other values.
+char* print_float_g6(char* first, float value)
+{
+    static constexpr double scale[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    const double x = std::fabs(double(value));
+    if (!(x < 1e6))
+        return nullptr;
+    int exp = 5;  // x >= 10^exp
+    while (x * scale[5 - exp] < 1e5)
+        if (--exp < -4)
+            return nullptr;
+    auto digits = static_cast<uint32_t>(std::nearbyint(x * scale[5 - exp]));
+    if (digits == 1000000) {  // rounded up to the next power of ten
+        digits = 100000;
+        if (++exp == 6)
+            return nullptr;
+    }
+    char six[6];
+    for (int i = 5; i >= 0; --i, digits /= 10)
+        six[i] = char('0' + digits % 10);
+    int n = 6;
+    while (n > 1 && six[n - 1] == '0' && n > exp + 1)
+        --n;
+    char* out = first;
+    if (std::signbit(value))
+        *out++ = '-';
+    if (exp < 0) {
+        *out++ = '0';
+        *out++ = '.';
+        for (int i = -1; i > exp; --i)
+            *out++ = '0';
+        for (int i = 0; i < n; ++i)
+            *out++ = six[i];
+        return out;
+    }
+    for (int i = 0; i <= exp; ++i)
+        *out++ = six[i];
+    if (n > exp + 1) {
+        *out++ = '.';
+        for (int i = exp + 1; i < n; ++i)
+            *out++ = six[i];
+    }
+    return out;
+}
+
 // `out << value` for a stream in its default settings, without going through the locale's number
 // printer: to_chars with a precision prints as printf does, which is what that printer ends in.
 template <class T>
@@ -138,17 +227,26 @@ bool write_plain_number(std::ostream& out, T value)
 {
     constexpr auto defaults = std::ios_base::skipws | std::ios_base::dec;
     if (!out.good() || out.tie() || out.flags() != defaults || out.width() != 0 ||
-        (std::is_floating_point_v<T> && out.precision() != 6) || out.getloc() != std::locale::classic())
+        (std::is_floating_point_v<T> && out.precision() != 6) || !classic_locale(out))
         return false;
     char text[32];
     std::to_chars_result r;
-    if constexpr (std::is_floating_point_v<T>)
+    if constexpr (std::is_floating_point_v<T>) {
+        if constexpr (std::is_same_v<T, float>) {
+            if (char* end = print_float_g6(text, value)) {
+                if (!put_plain(out, text, std::size_t(end - text)))
+                    out.write(text, end - text);
+                return true;
+            }
+        }
         r = std::to_chars(text, text + sizeof text, double(value), std::chars_format::general, 6);
-    else
+    } else {
         r = std::to_chars(text, text + sizeof text, value);
+    }
     if (r.ec != std::errc())
         return false;
-    out.write(text, r.ptr - text);
+    if (!put_plain(out, text, std::size_t(r.ptr - text)))
+        out.write(text, r.ptr - text);
     return true;
 }
 
@@ -358,7 +456,8 @@ void ConfigurableBool::read(std::istream& in, std::ostream& err)
 
 void ConfigurableBool::write(std::ostream& out) const
 {
-    out << (_value ? "true" : "false");
+    if (!put_plain(out, _value ? "true" : "false", _value ? 4 : 5))
+        out << (_value ? "true" : "false");
 }
 
 void ConfigurableBool::write_doctype(std::ostream& out) const
@@ -384,7 +483,7 @@ void ConfigurableString::set(const std::string& value)
 void ConfigurableString::read(std::istream& in, std::ostream& err)
 {
     std::string text;
-    if (std::getline(in, text, '\0'))
+    if (read_plain_rest(in, text) || std::getline(in, text, '\0'))
         set(text);
     else
         err << "unable to read string\n";
@@ -392,7 +491,7 @@ void ConfigurableString::read(std::istream& in, std::ostream& err)
 
 void ConfigurableString::write(std::ostream& out) const
 {
-    out << _value;
+    put_text(out, _value);
 }
 
 void ConfigurableString::write_doctype(std::ostream& out) const
@@ -410,7 +509,7 @@ ConfigurableStringProxyReadOnly::ConfigurableStringProxyReadOnly(const std::stri
 
 void ConfigurableStringProxyReadOnly::write(std::ostream& out) const
 {
-    out << _target.get();
+    put_text(out, _target.get());
 }
 
 void ConfigurableStringProxyReadOnly::write_doctype(std::ostream& out) const
@@ -587,7 +686,7 @@ void ConfigurableMultipleChoice::set(int index)
 void ConfigurableMultipleChoice::read(std::istream& in, std::ostream& err)
 {
     std::string text;
-    if (!std::getline(in, text, '\0'))
+    if (!read_plain_rest(in, text) && !std::getline(in, text, '\0'))
         return fail(in, err, "unable to read choice");
     for (size_t i = 0; i < _choices->size(); ++i) {
         if ((*_choices)[i] == text) {
@@ -606,7 +705,7 @@ const std::string& ConfigurableMultipleChoice::get_string() const
 
 void ConfigurableMultipleChoice::write(std::ostream& out) const
 {
-    out << get_string();
+    put_text(out, get_string());
 }
 
 void ConfigurableMultipleChoice::write_doctype(std::ostream& out) const

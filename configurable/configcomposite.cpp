@@ -8,10 +8,17 @@
 
 namespace {
 
-// Sibling names mostly differ in their last byte ("leaf1", "leaf2"): look there before comparing all.
+// Sibling names mostly differ in their last byte ("leaf1", "leaf2"): look there before comparing all,
+// byte by byte, since names are too short to pay for a call to memcmp.
 bool same_name(const std::string& a, const std::string& b)
 {
-    return a.size() == b.size() && (a.empty() || (a.back() == b.back() && a == b));
+    const std::size_t n = a.size();
+    if (n != b.size() || (n != 0 && a[n - 1] != b[n - 1]))
+        return false;
+    for (std::size_t i = 0; i + 1 < n; ++i)
+        if (a[i] != b[i])
+            return false;
+    return true;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "configurable/configurable.h"
 
+#include <cstring>
 #include <memory>
 #include <sstream>
 #include <vector>
@@ -69,7 +70,8 @@ public:
             _pool.push_back(std::make_unique<Slot>());
         _slot = _pool[_depth++].get();
         Stream& s = _slot->stream;
-        s.clear();
+        if (!s.good())
+            s.clear();
         s.flags(std::ios_base::skipws | std::ios_base::dec);
         s.precision(6);
         s.width(0);
@@ -285,7 +287,7 @@ bool Configurable::_do_configure_string(const std::string& text, XMLWriter& writ
 {
     // Most text is a value and holds no query: it is then one STRING or DOCTYPE token, read here
     // without taking it apart.
-    if (text.find("&query") == std::string::npos) {
+    if (!std::memchr(text.data(), '&', text.size()) || text.find("&query") == std::string::npos) {
         if (top_level || text.empty())
             return true;
         if (text.size() >= 2 && text.front() == '{' && text.back() == '}')

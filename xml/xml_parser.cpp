@@ -33,13 +33,6 @@ XMLParser::TokenInfo& XMLParser::_new_token()
     return *tok;
 }
 
-XMLParser::TokenType XMLParser::GetNextToken()
-{
-    if (GetCurrToken() == ERROR)
-        return ERROR;
-    return _advance();
-}
-
 void XMLParser::PutBackToken()
 {
     if (_curr > 0)
@@ -70,26 +63,40 @@ void XMLParser::RecoverFromError()
     }
 }
 
-XMLParser::TokenType XMLParser::_advance()
-{
-    if (_curr + 1 == _history.size())
-        _read_token();
-    _go(_curr + 1);
-    return _tok->type;
-}
-
 void XMLParser::_read_token()
 {
     TokenInfo& tok = _new_token();
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();
-        if (_start_tag_open)
-            _read_inside_tag(tok);
-        else
-            _read_outside_tag(tok);
+        if (!_shortcut(tok)) {
+            if (_start_tag_open)
+                _read_inside_tag(tok);
+            else
+                _read_outside_tag(tok);
+        }
     }
     _in.finish();
+}
+
+bool XMLParser::_shortcut(TokenInfo& tok)
+{
+    bool closed;
+    const auto s = _in.shortcut(_start_tag_open, closed, tok.text, tok.value);
+    if (closed)
+        _start_tag_open = false;
+    switch (s) {
+    case XMLCharReader::START_TAG:
+        tok.type = START_ELEMENT;
+        _open_element = &tok;
+        _start_tag_open = true;
+        return true;
+    case XMLCharReader::END_TAG: tok.type = END_ELEMENT; return true;
+    case XMLCharReader::TEXT: tok.type = STRING; return true;
+    case XMLCharReader::ATTRIBUTE: tok.type = ATTRIBUTE; return true;
+    case XMLCharReader::PAIR: tok.type = ATTRIBUTE_VALUE_PAIR; return true;
+    default: return false;
+    }
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const

@@ -39,7 +39,12 @@ public:
     // Moves on by one token and returns its type; replays stored tokens
     // before reading new ones. Returns ERROR again while the current token
     // is an error. The first call yields START_DOC.
-    TokenType GetNextToken();
+    TokenType GetNextToken()
+    {
+        if (GetCurrToken() == ERROR)
+            return ERROR;
+        return _advance();
+    }
     TokenType GetCurrToken() const { return _tok->type; }
     const std::string& GetTokenString() const { return _tok->text; }
     const std::string& GetTokenValue() const { return _tok->value; }
@@ -66,9 +71,17 @@ private:
         _curr = index;
         _tok = _history[index];
     }
-    TokenType _advance();
+    TokenType _advance()
+    {
+        if (_curr + 1 == _history.size())
+            _read_token();
+        _go(_curr + 1);
+        return _tok->type;
+    }
     TokenInfo& _new_token();
     void _read_token();
+    // A token that XMLCharReader::shortcut reads whole; false if none.
+    bool _shortcut(TokenInfo& tok);
     void _read_outside_tag(TokenInfo& tok);
     void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;

@@ -5,10 +5,13 @@
 #include <istream>
 #include <string>
 
+#include "foundation/streambuf_areas.h"
+
 // Character classes of the C locale; bytes above 127 belong to none. A
 // table, since the scanners ask for every byte.
 namespace xml_class {
-enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16 };
+// NAME_PLAIN: a name byte that does not end the name, i.e. other than ';'.
+enum : unsigned char { SPACE = 1, NAME_START = 2, NAME = 4, DIGIT = 8, STOP = 16, NAME_PLAIN = 32 };
 
 struct Table {
     unsigned char bits[256] = {};
@@ -25,6 +28,10 @@ struct Table {
         bits[':'] = bits['_'] = NAME_START | NAME;
         bits['-'] = bits['.'] = bits[';'] = NAME;
         bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
+        for (auto& b : bits)
+            if (b & NAME)
+                b |= NAME_PLAIN;
+        bits[';'] &= ~NAME_PLAIN;
     }
 };
 inline constexpr Table table{};
@@ -69,8 +76,21 @@ public:
     XMLCharReader(const XMLCharReader&) = delete;
     XMLCharReader& operator=(const XMLCharReader&) = delete;
 
-    void start();
-    void finish();
+    void start()
+    {
+        _state = _is.rdstate();
+        std::streambuf* sb = _is.rdbuf();
+        // A window kept from the last token stays good while the buffer is where it was left.
+        if (!sb || sb != _sb || _local || StreamGetArea::next(*sb) != _p || StreamGetArea::end(*sb) != _end)
+            _restart(sb);
+    }
+    void finish()
+    {
+        if (_local)
+            _release();
+        else if (_p)
+            StreamGetArea::bump(*_sb, static_cast<int>(_p - StreamGetArea::next(*_sb)));
+    }
 
     // The stream's state as the reads so far left it.
     bool failed() const { return _state & (std::ios::failbit | std::ios::badbit); }
@@ -110,8 +130,17 @@ public:
     // The XMLString reading rules; `out` is cleared first.
     void read_string(std::string& out);
 
+    // What shortcut() read.
+    enum Shortcut : unsigned char { NONE, START_TAG, END_TAG, TEXT, ATTRIBUTE, PAIR };
+    // Reads a common token of a good stream whole when all of it lies in the window, just as the
+    // byte-wise rules would: "<name", "</name>", unquoted text free of entities up to the byte that
+    // ends it, and in a start tag a name or name="value" free of entities. NONE touches nothing.
+    // In a start tag the token may follow the ">" that closes the tag, which `closed` then tells.
+    Shortcut shortcut(bool in_tag, bool& closed, std::string& text, std::string& value);
+
 private:
     bool _good() const { return _state == std::ios::goodbit; }
+    void _restart(std::streambuf* sb);
     void _skip_ws_slow();
     // Makes bytes available, or fails the stream as get() does at the end.
     bool _more();
@@ -124,6 +153,8 @@ private:
     void _read_quoted(std::string& out, int quote);
     void _read_unquoted(std::string& out);
     void _read_entity(std::string& out);
+    Shortcut _outside(const char* p, std::string& text);
+    Shortcut _attribute(const char* p, std::string& name, std::string& value);
 
     std::istream& _is;
     std::streambuf* _sb = nullptr;
@@ -142,12 +173,14 @@ private:
 // then up to the first byte that can't be in one, or through a ";".
 inline std::size_t xml_name_length(const std::string& name)
 {
-    if (name.empty() || !xml_name_start(static_cast<unsigned char>(name[0])))
+    const auto* p = reinterpret_cast<const unsigned char*>(name.data());
+    const std::size_t size = name.size();
+    if (size == 0 || !(xml_class::table.bits[p[0]] & xml_class::NAME_START))
         return 0;
     std::size_t n = 1;
-    while (n < name.size() && name[n - 1] != ';' && xml_name_char(static_cast<unsigned char>(name[n])))
+    while (n < size && (xml_class::table.bits[p[n]] & xml_class::NAME_PLAIN))
         ++n;
-    return n;
+    return n < size && p[n] == ';' ? n + 1 : n;
 }
 
 // XMLString's escaping: hands plain runs of `text` to run(const char*, size_t) and the entity of

@@ -9,24 +9,11 @@
 
 using GetArea = StreamGetArea;
 
-void XMLCharReader::start()
+void XMLCharReader::_restart(std::streambuf* sb)
 {
-    _state = _is.rdstate();
-    std::streambuf* sb = _is.rdbuf();
-    // A window kept from the last token stays good while the buffer is where it was left.
-    if (!sb || sb != _sb || _local || GetArea::next(*sb) != _p || GetArea::end(*sb) != _end) {
-        _sb = sb;
-        _begin = _p = _end = nullptr;
-        _local = false;
-    }
-}
-
-void XMLCharReader::finish()
-{
-    if (_local)
-        _release();
-    else if (_p)
-        GetArea::bump(*_sb, static_cast<int>(_p - GetArea::next(*_sb)));
+    _sb = sb;
+    _begin = _p = _end = nullptr;
+    _local = false;
 }
 
 bool XMLCharReader::_refill()
@@ -156,6 +143,127 @@ void XMLCharReader::read_name(std::string& out)
             return;
         run = _p;
     }
+}
+
+namespace {
+
+bool has(char c, unsigned char bit)
+{
+    return xml_class::table.bits[static_cast<unsigned char>(c)] & bit;
+}
+
+// Where the name that starts at `p` ends, as read_name takes it: at the first byte that can't be in
+// a name, or past a ";". Null when the window ends first, since more input could lengthen it.
+const char* name_end(const char* p, const char* end)
+{
+    ++p;
+    while (p != end && has(*p, xml_class::NAME_PLAIN))
+        ++p;
+    if (p == end)
+        return nullptr;
+    return *p == ';' ? p + 1 : p;
+}
+
+// assign() checks for overlap first, which costs more than the copy of a short name.
+void set_text(std::string& out, const char* from, const char* to)
+{
+    out.clear();
+    out.append(from, static_cast<std::size_t>(to - from));
+}
+
+} // namespace
+
+XMLCharReader::Shortcut XMLCharReader::shortcut(bool in_tag, bool& closed, std::string& text, std::string& value)
+{
+    closed = false;
+    if (!_good() || _p == _end)
+        return NONE;
+    if (!in_tag)
+        return _outside(_p, text);
+    if (*_p != '>')
+        return _attribute(_p, text, value);
+    const Shortcut s = _outside(_p + 1, text);
+    closed = s != NONE;
+    return s;
+}
+
+XMLCharReader::Shortcut XMLCharReader::_outside(const char* p, std::string& text)
+{
+    if (_end - p < 2)
+        return NONE;
+    if (*p == '<') {
+        if (p[1] == '/') {
+            if (_end - p < 3 || !has(p[2], xml_class::NAME_START))
+                return NONE;
+            const char* e = name_end(p + 2, _end);
+            if (!e || e == _end || *e != '>')
+                return NONE;
+            set_text(text, p + 2, e);
+            _p = e + 1;
+            return END_TAG;
+        }
+        if (!has(p[1], xml_class::NAME_START))
+            return NONE;
+        const char* e = name_end(p + 1, _end);
+        if (!e)
+            return NONE;
+        set_text(text, p + 1, e);
+        _p = e;
+        return START_TAG;
+    }
+    if (*p == '>')
+        return NONE;
+    while (p != _end && has(*p, xml_class::SPACE))
+        ++p;
+    if (p == _end || *p == '"' || *p == '\'' || *p == '&')
+        return NONE;
+    const char* stop = p;
+    const char* kept = p; // past the last byte that is not white space
+    while (stop != _end) {
+        const unsigned char bits = xml_class::table.bits[static_cast<unsigned char>(*stop)];
+        if (bits & xml_class::STOP)
+            break;
+        ++stop;
+        if (!(bits & xml_class::SPACE))
+            kept = stop;
+    }
+    if (stop == _end || *stop == '&')
+        return NONE;
+    set_text(text, p, kept);
+    _p = stop;
+    return TEXT;
+}
+
+XMLCharReader::Shortcut XMLCharReader::_attribute(const char* p, std::string& name, std::string& value)
+{
+    if (!has(*p, xml_class::NAME_START))
+        return NONE;
+    const char* e = name_end(p, _end);
+    if (!e || e == _end)
+        return NONE;
+    if (*e != '=') {
+        set_text(name, p, e);
+        _p = e;
+        return ATTRIBUTE;
+    }
+    const char* q = e + 1;
+    if (q == _end || (*q != '"' && *q != '\''))
+        return NONE;
+    const char* r = q + 1;
+    for (;; ++r) {
+        if (r == _end)
+            return NONE;
+        if (!has(*r, xml_class::STOP))
+            continue;
+        if (*r == *q)
+            break;
+        if (*r != '"' && *r != '\'')
+            return NONE;
+    }
+    set_text(name, p, e);
+    set_text(value, q + 1, r);
+    _p = r + 1;
+    return PAIR;
 }
 
 void XMLCharReader::read_string(std::string& out)

@@ -17,46 +17,89 @@ bool plain(std::ostream& os)
     return os.rdstate() == std::ios_base::goodbit && os.width() == 0 && !os.tie();
 }
 
-inline void put(std::ostream& os, const char* s, std::size_t n)
-{
-    std::streambuf& sb = *os.rdbuf();
-    char* to = StreamPutArea::next(sb);
-    if (to && static_cast<std::size_t>(StreamPutArea::end(sb) - to) >= n) {
-        std::memcpy(to, s, n);
-        StreamPutArea::bump(sb, static_cast<int>(n));
-    } else if (sb.sputn(s, static_cast<std::streamsize>(n)) != static_cast<std::streamsize>(n)) {
-        os.setstate(std::ios_base::badbit);
+// The pieces of one writer call. Nothing between them can change the stream but a failed put, so
+// whether it is plain is asked once, and again after a failure; the runs of one text all go in,
+// as they always have.
+class Pieces {
+public:
+    explicit Pieces(std::ostream& os) : _os(os), _plain(plain(os)) {}
+
+    // A literal, so that its length is known where it is copied.
+    template <std::size_t N>
+    void markup(const char (&s)[N])
+    {
+        if (_plain)
+            _put(s, N - 1);
+        else
+            _os << s;
     }
-}
 
-// A literal, so that its length is known where it is copied.
-template <std::size_t N>
-void put_markup(std::ostream& os, const char (&s)[N])
-{
-    if (plain(os))
-        put(os, s, N - 1);
-    else
-        os << s;
-}
-
-void put_name(std::ostream& os, const std::string& name)
-{
-    if (plain(os))
-        put(os, name.data(), xml_name_length(name));
-    else
-        os << XMLName(name);
-}
-
-void put_text(std::ostream& os, const std::string& text)
-{
-    if (!plain(os)) {
-        os << XMLString(text);
-        return;
+    // `open`, the name, `close`: one copy into the buffer when they fit.
+    template <std::size_t N, std::size_t M>
+    void tag(const char (&open)[N], const std::string& name, const char (&close)[M])
+    {
+        if (_plain) {
+            const std::size_t n = xml_name_length(name);
+            std::streambuf& sb = *_os.rdbuf();
+            char* to = StreamPutArea::next(sb);
+            if (to && static_cast<std::size_t>(StreamPutArea::end(sb) - to) >= N - 1 + n + M - 1) {
+                std::memcpy(to, open, N - 1);
+                std::memcpy(to + N - 1, name.data(), n);
+                std::memcpy(to + N - 1 + n, close, M - 1);
+                StreamPutArea::bump(sb, static_cast<int>(N - 1 + n + M - 1));
+                return;
+            }
+        }
+        markup(open);
+        this->name(name);
+        if (M > 1)
+            markup(close);
     }
-    xml_escape(
-        text, [&os](const char* s, std::size_t n) { put(os, s, n); },
-        [&os](const char* entity) { put(os, entity, std::strlen(entity)); });
-}
+
+    void name(const std::string& name)
+    {
+        if (_plain)
+            _put(name.data(), xml_name_length(name));
+        else
+            _os << XMLName(name);
+    }
+
+    void text(const std::string& text)
+    {
+        if (!_plain) {
+            _os << XMLString(text);
+            return;
+        }
+        xml_escape(
+            text, [this](const char* s, std::size_t n) { _put(s, n); },
+            [this](const char* entity) { _put(entity, std::strlen(entity)); });
+    }
+
+    void raw(const std::string& text)
+    {
+        if (_plain)
+            _put(text.data(), text.size());
+        else
+            _os << text;
+    }
+
+private:
+    void _put(const char* s, std::size_t n)
+    {
+        std::streambuf& sb = *_os.rdbuf();
+        char* to = StreamPutArea::next(sb);
+        if (to && static_cast<std::size_t>(StreamPutArea::end(sb) - to) >= n) {
+            std::memcpy(to, s, n);
+            StreamPutArea::bump(sb, static_cast<int>(n));
+        } else if (sb.sputn(s, static_cast<std::streamsize>(n)) != static_cast<std::streamsize>(n)) {
+            _os.setstate(std::ios_base::badbit);
+            _plain = false;
+        }
+    }
+
+    std::ostream& _os;
+    bool _plain;
+};
 
 } // namespace
 
@@ -86,8 +129,7 @@ void XMLWriter::WriteStartElement(const std::string& name)
     if (name.empty())
         return;
     write_indent();
-    put_markup(_os, "<");
-    put_name(_os, name);
+    Pieces(_os).tag("<", name, "");
     inc_indent();
     _start_tag_open = true;
     _separator_due = true;
@@ -100,7 +142,7 @@ void XMLWriter::WriteEndElement(const std::string& name)
     // layout of existing documents follows from this.
     dec_indent();
     if (_start_tag_open) {
-        put_markup(_os, "/>");
+        Pieces(_os).markup("/>");
         _start_tag_open = false;
     } else if (name.empty()) {
         _end_tag_on_line = false;
@@ -108,9 +150,7 @@ void XMLWriter::WriteEndElement(const std::string& name)
     } else {
         if (!_end_tag_on_line)
             write_indent();
-        put_markup(_os, "</");
-        put_name(_os, name);
-        put_markup(_os, ">");
+        Pieces(_os).tag("</", name, ">");
     }
     _separator_due = false;
     _end_tag_on_line = false;
@@ -128,9 +168,10 @@ void XMLWriter::WriteAttributeValuePair(const std::string& name, const std::stri
     if (name.empty())
         return;
     _write_name(name);
-    put_markup(_os, "=\"");
-    put_text(_os, value);
-    put_markup(_os, "\"");
+    Pieces out(_os);
+    out.markup("=\"");
+    out.text(value);
+    out.markup("\"");
 }
 
 void XMLWriter::write_string(const std::string& text, bool escape)
@@ -139,14 +180,13 @@ void XMLWriter::write_string(const std::string& text, bool escape)
         return;
     if (_start_tag_open)
         _close_start_tag();
-    else if (_separator_due)
-        put_markup(_os, " ");
+    Pieces out(_os);
+    if (_separator_due)
+        out.markup(" ");
     if (escape)
-        put_text(_os, text);
-    else if (plain(_os))
-        put(_os, text.data(), text.size());
+        out.text(text);
     else
-        _os << text;
+        out.raw(text);
     _separator_due = true;
 }
 
@@ -163,15 +203,16 @@ void XMLWriter::_close_start_tag()
 {
     if (!_start_tag_open)
         return;
-    put_markup(_os, ">");
+    Pieces(_os).markup(">");
     _start_tag_open = false;
     _separator_due = false;
 }
 
 void XMLWriter::_write_name(const std::string& name)
 {
+    Pieces out(_os);
     if (_separator_due)
-        put_markup(_os, " ");
-    put_name(_os, name);
+        out.markup(" ");
+    out.name(name);
     _separator_due = true;
 }

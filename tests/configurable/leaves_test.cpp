@@ -50,8 +50,11 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
         ConfigurableDouble d1("d", 1), d2("d", 1);
         ConfigurableInteger i1("i", 1), i2("i", 1);
         ConfigurableBool b1("b", false), b2("b", false);
-        for (auto [by_message, by_stream] :
-             {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2}, {&i1, &i2}, {&b1, &b2}}) {
+        ConfigurableString s1("s", "x"), s2("s", "x");
+        static const std::vector<std::string> choices{"true", " false ", "12 34"};
+        ConfigurableMultipleChoice c1("c", choices, 0), c2("c", choices, 0);
+        for (auto [by_message, by_stream] : {std::pair<Configurable*, Configurable*>{&f1, &f2}, {&d1, &d2},
+                                             {&i1, &i2}, {&b1, &b2}, {&s1, &s2}, {&c1, &c2}}) {
             std::ostringstream reply;
             XMLWriter writer(reply, false);
             const bool ok = by_message->_read(text, writer);
@@ -62,13 +65,16 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
         }
         EXPECT_EQ(f1.get(), f2.get()) << text;
         EXPECT_EQ(d1.get(), d2.get()) << text;
+        EXPECT_EQ(s1.get(), s2.get()) << text;
+        EXPECT_EQ(c1.get(), c2.get()) << text;
     }
 }
 
 // Leaves print plain streams without the locale's printer: the text must be what operator<< gives.
 TEST(Leaves, PrintedAsTheStreamPrints)
 {
-    const double reals[] = {0.1, 1234567, 1e-5, -0.0, 0.1234, 123456.5, 999999.5, 3.4e38, 1e-40, 1e300,
+    const double reals[] = {0.1, 1234567, 1e-5, 1e-4, -0.00012345678, -0.0, 0.1234, 12.3456, 99999.95, 123456.5,
+                            999999.5, 3.4e38, 1e-40, 1e300,
                             std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
                             std::numeric_limits<double>::quiet_NaN(), -std::numeric_limits<double>::quiet_NaN()};
     for (double value : reals) {

@@ -215,6 +215,7 @@ TEST(XMLParser, TokensDoNotDependOnHowTheStreamIsBuffered)
         "<?pi?><!--c--><a b='x &lt; y' c=1 d>t &amp; &query; u &junk</a>  trailing text  ",
         "<badtag/ >just some junk",
         "<r><s>&query_item;</s><t/></r> after",
+        "<a x='say \"hi\"' y=\"it's\" z=w> \t t u \n</a><b;c d;e=f>x\"y</b;c>< e>",
     };
     for (const char* text : texts) {
         std::istringstream whole(text);
