@@ -3,15 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QTimer>
 #include <QTreeWidget>
 
 #include "app/mycalmainwindow.h"
 #include "tests/app/app_test_util.h"
+#include "tests/service/wire.h"
 #include "tests/sim/sim_process.h"
 #include "watch/configmorvikdialog.h"
 #include "watch/mytablewidget.h"
@@ -27,14 +24,6 @@ QStringList types(QTreeWidget* tree)
     for (int i = 0; i < tree->topLevelItemCount(); ++i)
         texts << tree->topLevelItem(i)->text(1);
     return texts;
-}
-
-void click(QWidget* parent, const QString& label)
-{
-    for (QPushButton* button : parent->findChildren<QPushButton*>())
-        if (button->text() == label)
-            return button->click();
-    ADD_FAILURE() << "no button " << label.toStdString();
 }
 
 bool filled(const QTableWidget& table, int row, int column)
@@ -57,18 +46,13 @@ TEST(CalibrationPanel, ZeroSpanAndClearOldHistoryAgainstTheSimulator)
 
     for (const char* button : {"Zero", "Span", "Zero"}) {
         const int rows = tree->topLevelItemCount();
-        click(window, button);
+        Click(window, button);
         ASSERT_TRUE(QTest::qWaitFor([&] { return tree->topLevelItemCount() > rows; }, TIMEOUT_MS)) << button;
     }
     EXPECT_EQ(types(tree).mid(before), QStringList({"CH4 Zero", "CH4 Span", "CH4 Zero"}));
 
-    QTimer::singleShot(0, [] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        for (QAbstractButton* button : box ? box->buttons() : QList<QAbstractButton*>())
-            if (button->text() == "Clear")
-                button->click();
-    });
-    click(window, "Clear Old History...");
+    AnswerNextMessageBox("Clear");
+    Click(window, "Clear Old History...");
     EXPECT_TRUE(QTest::qWaitFor([&] { return tree->topLevelItemCount() == 2; }, TIMEOUT_MS));
     EXPECT_EQ(types(tree), QStringList({"CH4 Span", "CH4 Zero"}));
     // The simulator holds the same, asked over a link of its own.
@@ -79,7 +63,7 @@ TEST(CalibrationPanel, ZeroSpanAndClearOldHistoryAgainstTheSimulator)
     EXPECT_EQ(kept.count("<record>"), 2) << kept.toStdString();
     EXPECT_EQ(kept.count("CH4 Zero"), 1) << kept.toStdString();
 
-    click(window, "Close");
+    Click(window, "Close");
     EXPECT_TRUE(QTest::qWaitFor([&] { return alive.isNull(); }, TIMEOUT_MS));
 }
 

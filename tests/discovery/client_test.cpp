@@ -1,5 +1,5 @@
 // The client against the test double: every answer comes through a pipe, the client's socket
-// notifier and the event loop, as it does from a daemon. The slot table and the resolver beside it.
+// notifier and the event loop, as it does from a daemon.
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,6 @@
 #include <set>
 
 #include "discovery/bonjourclient.h"
-#include "discovery/bonjourresolver.h"
-#include "discovery/bonjourserviceref.h"
 #include "discovery_test_util.h"
 #include "tests/discovery/dnssd_double.h"
 
@@ -23,13 +21,7 @@ const char* const kType = "_arvex-tolvan._tcp";
 
 FakeService Tolvan(const std::string& name = "ch4-sim-1", const std::string& host = "tolvan-1.local.")
 {
-    FakeService service;
-    service.name = name;
-    service.type = kType;
-    service.host = host;
-    service.port = 4410;
-    service.txt = std::string("\x0cmodel=Tolvan\x07ver=1.2\x0d" "company=Arvex");
-    return service;
+    return {name, kType, "local.", 2, host, 4410, std::string("\x0cmodel=Tolvan\x07ver=1.2\x0d" "company=Arvex")};
 }
 
 // A call's fields as "flags|interface|name|type|domain|rrtype|rrclass".
@@ -395,57 +387,6 @@ TEST_F(Client, RegisterAndConfirm)
     EXPECT_EQ(Shown(confirms[1]), "0|0|tolvan-1.local.|||28|1");
     EXPECT_EQ(confirms[1].data, std::string("\xfe\x80", 2) + std::string(13, '\0') + "\x01");
     EXPECT_TRUE(listener.errors.empty());
-}
-
-// The slot table, driven directly: the client never asks beyond it, so every index out of range
-// gives the spare.
-TEST(CallbackWindow, IndexOutOfRangeGivesTheSpare)
-{
-    BonjourClientCallbackWindow table(nullptr);
-    DNSServiceRef* spare = table.GetDNSServiceRef(-1);
-    EXPECT_EQ(table.GetDNSServiceRef(100), spare);
-    EXPECT_EQ(table.GetDNSServiceRef(1000), spare);
-    for (int i = 0; i < 100; ++i)
-        EXPECT_NE(table.GetDNSServiceRef(i), spare) << i;
-    EXPECT_NE(table.GetDNSServiceRef(0), table.GetDNSServiceRef(99));
-    EXPECT_FALSE(table.SelectDNSServiceRef(100));
-    EXPECT_FALSE(table.SelectDNSServiceRef(0)) << "a free slot has nothing to watch";
-    EXPECT_EQ(table.FindDNSServiceRefIndex(nullptr), -1);
-}
-
-// BonjourResolver, fed by hand: one record per service name, every address in it; the lookup
-// ignores case, the removal does not.
-TEST(Resolver, GathersAddressesPerName)
-{
-    BonjourResolver resolver;
-    EXPECT_FALSE(resolver.Changed());
-    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 2, "t1.local.", Address("10.0.0.1", 4410),
-                        {{"model", "Tolvan"}});
-    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 3, "other.local.", Address("fe80::1", 4410),
-                        {{"model", "changed"}});
-    resolver.AddService("ch4-1", "_arvex-tolvan._tcp", "local.", 2, "t1.local.", Address("10.0.0.1", 4410), {});
-    resolver.AddService("CH4-Ünit", "_arvex-tolvan._tcp", "local.", 2, "t2.local.", Address("10.0.0.2", 4410), {});
-    EXPECT_TRUE(resolver.Changed());
-    ASSERT_EQ(resolver.Hosts().size(), 2u);
-    const auto& first = *resolver.Hosts()[0];
-    EXPECT_EQ(first.name + "|" + first.host, "ch4-1|t1.local.");
-    EXPECT_EQ(first.interface_index, 2u);
-    EXPECT_EQ(first.txt, (std::map<std::string, std::string>{{"model", "Tolvan"}}));
-    EXPECT_EQ(first.addresses, (std::set<SocketAddress>{Address("10.0.0.1", 4410), Address("fe80::1", 4410)}));
-
-    EXPECT_EQ(resolver.Lookup("ch4-ünit"), resolver.Hosts()[1]);
-    EXPECT_EQ(resolver.Lookup("CH4-1"), resolver.Hosts()[0]);
-    EXPECT_EQ(resolver.Lookup("ch4"), nullptr);
-    resolver.Changed(false);
-    resolver.RemoveService("ch4-ünit", "_t._tcp", "local.");
-    EXPECT_TRUE(resolver.Changed());
-    EXPECT_EQ(resolver.Hosts().size(), 2u);
-    resolver.RemoveService("CH4-Ünit", "_t._tcp", "local.");
-    EXPECT_EQ(resolver.Hosts().size(), 1u);
-    EXPECT_EQ(resolver.Lookup("CH4-Ünit"), nullptr);
-    // Names differing in case are different services.
-    resolver.AddService("CH4-1", "_arvex-tolvan._tcp", "local.", 2, "t2.local.", Address("10.0.0.2", 4410), {});
-    EXPECT_EQ(resolver.Hosts().size(), 2u);
 }
 
 }  // namespace

@@ -64,15 +64,6 @@ TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndKeptWhenClearingIsDismiss
     EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
 }
 
-TEST(CalTolvanDialog, HistoryRowsSkipChildrenThatAreNoRecords)
-{
-    ConfigCal cal;
-    cal.History().add(*new ConfigurableString("note", "x"));
-    EXPECT_TRUE(CalTolvanHistoryRows(cal.History()).empty());
-    cal.History().add(*new ConfigCalRecord(Timestamp(2026, 3, 4, 5, 6, 7), "CH4 Zero", 0.25f, 2));
-    EXPECT_EQ(CalTolvanHistoryRows(cal.History()), std::vector<QStringList>({{"2026-03-04 05:06:07", "CH4 Zero", "0.25", "2"}}));
-}
-
 TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
 {
     Wire wire;
