@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -69,19 +70,8 @@ TEST(ExternalTextEdit, AppendsRedrawsTheLastLineAndPassesKeysOn)
 
 // --- the runner ---
 
-struct Box {
-    QMessageBox::Icon icon;
-    QString title, text;
-    QMessageBox::StandardButtons buttons;
-    bool operator==(const Box& o) const
-    {
-        return icon == o.icon && title == o.title && text == o.text && buttons == o.buttons;
-    }
-};
-void PrintTo(const Box& b, std::ostream* out)
-{
-    *out << int(b.icon) << "|" << b.title.toStdString() << "|" << b.text.toStdString() << "|" << int(b.buttons);
-}
+// A box as icon, title, text and buttons; plain types print readably when rows differ.
+using Box = std::tuple<int, std::string, std::string, int>;
 
 // Runs button sequences against real child processes, /bin/sh scripts in a temporary directory.
 // Boxes are written down and answered with `answers` in turn (Ok when none is left).
@@ -92,7 +82,7 @@ protected:
         ASSERT_TRUE(_dir.isValid());
         ExternalDialog::SetMessageBox([this](QWidget*, QMessageBox::Icon icon, const QString& title,
                                              const QString& text, QMessageBox::StandardButtons buttons) {
-            _boxes.push_back({icon, title, text, buttons});
+            _boxes.emplace_back(icon, title.toStdString(), text.toStdString(), int(buttons));
             if (_answers.empty())
                 return QMessageBox::Ok;
             const QMessageBox::StandardButton answer = _answers.front();
@@ -191,7 +181,7 @@ TEST_F(Runner, SequenceRunsInOrderAndSucceeds)
 
     dialog.RunCmds();  // back at the start: runs again
     ASSERT_TRUE(WaitForBoxes(2));
-    EXPECT_EQ(_boxes[1].title, "Update -- Finished");
+    EXPECT_EQ(std::get<1>(_boxes[1]), "Update -- Finished");
 }
 
 // How a sequence ends: a failure stops it, nofail goes on, nooutput keeps only the heading. A
@@ -255,7 +245,7 @@ TEST_F(Runner, KeysReachTheCommandWhichRedrawsItsLine)
     ASSERT_TRUE(QTest::qWaitFor([&] { return Output().endsWith("press a key"); }, kTimeoutMs));
     QTest::keyClick(_dialog->findChild<ExternalTextEdit*>(), Qt::Key_Y);
     ASSERT_TRUE(WaitForBoxes(1));
-    EXPECT_EQ(_boxes[0].title, "Update -- Finished");
+    EXPECT_EQ(std::get<1>(_boxes[0]), "Update -- Finished");
     EXPECT_EQ(Output(), "*** Ask ***\ngot y\n");
 }
 

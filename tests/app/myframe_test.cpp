@@ -13,6 +13,7 @@
 #include "tests/app/app_test_util.h"
 #include "tests/discovery/discovery_test_util.h"
 #include "tests/discovery/dnssd_double.h"
+#include "tests/service/wire.h"
 
 namespace {
 
@@ -65,15 +66,6 @@ protected:
                 return Tree().topLevelItem(i);
             }
         ADD_FAILURE() << "no row " << name.toStdString();
-        return nullptr;
-    }
-
-    MyPushButton* Button(const QString& text)
-    {
-        for (MyPushButton* button : _frame->findChildren<MyPushButton*>())
-            if (button->text() == text)
-                return button;
-        ADD_FAILURE() << "no button " << text.toStdString();
         return nullptr;
     }
 
@@ -301,12 +293,12 @@ TEST_F(Panel, ButtonsComeFromTheDescriptionFileAndFollowTheSelection)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.select ? row.select : "none");
         row.select ? (void)Select(row.select) : Tree().clearSelection();
-        EXPECT_EQ(Button("Flash 2.0...")->isEnabled(), row.flash);
-        EXPECT_EQ(Button("Flash 2.0...")->isHidden(), !row.flash_shown);
-        EXPECT_EQ(Button("Plain...")->isEnabled(), row.plain);
-        EXPECT_EQ(Button("CPLD Control Panel...")->isEnabled(), row.cpld);
-        EXPECT_EQ(Button("Watch Tolvan")->isEnabled(), row.watch);
-        EXPECT_EQ(Button("Config Pelsen")->isEnabled(), row.config);
+        EXPECT_EQ(find_button(*_frame, "Flash 2.0...")->isEnabled(), row.flash);
+        EXPECT_EQ(find_button(*_frame, "Flash 2.0...")->isHidden(), !row.flash_shown);
+        EXPECT_EQ(find_button(*_frame, "Plain...")->isEnabled(), row.plain);
+        EXPECT_EQ(find_button(*_frame, "CPLD Control Panel...")->isEnabled(), row.cpld);
+        EXPECT_EQ(find_button(*_frame, "Watch Tolvan")->isEnabled(), row.watch);
+        EXPECT_EQ(find_button(*_frame, "Config Pelsen")->isEnabled(), row.config);
     }
 }
 
@@ -339,7 +331,7 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     Announce("ch4-1", "_arvex-tolvan._tcp", Address("fe80::1", 4410, 3), {});
     Select("ch4-1");
     testing::internal::CaptureStdout();
-    Button("Show...")->click();
+    find_button(*_frame, "Show...")->click();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Executing command: \"" + program_dir + "\"cmd_show x\n");
 
     auto* dialog = _frame->findChild<ExternalDialog*>();
@@ -355,7 +347,7 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
     delete dialog;
 
     // A button without commands, and an index out of range, do nothing.
-    Button("Empty...")->click();
+    find_button(*_frame, "Empty...")->click();
     _frame->ExecuteExternalCommand(7, _frame->Instruments()[0]);
     EXPECT_EQ(_frame->findChild<ExternalDialog*>(), nullptr);
     ExternalDialog::SetMessageBox(nullptr);

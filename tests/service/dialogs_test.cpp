@@ -248,7 +248,7 @@ QStringList page_names(const GenericConfigDialog& dialog)
     return names;
 }
 
-TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
+TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusionsAndTheModelsOwnLabels)
 {
     const struct { GenericConfigDialog::Labels labels; QStringList pages, absent_rows; } cases[] = {
         {{}, {"General", "alpha", "alpha/inner", "zeta"}, {}},
@@ -264,6 +264,17 @@ TEST(GenericConfig, PagesInPathOrderWithLabelsAndExclusions)
         for (const QString& row : c.absent_rows)
             EXPECT_FALSE(label_texts(&dialog).contains(row)) << row.toStdString();
     }
+    // The models' dialogs take their own labels; the Dravik output leaves out its records.
+    DocQuenta quenta;
+    DocHalden halden;
+    DocDravik dravik;
+    EXPECT_TRUE(page_names(FactoryQuentaDialog(nullptr, "q1", quenta)).contains("Pump - High"));
+    FactoryHaldenDialog halden_factory(nullptr, "h1", halden);
+    EXPECT_TRUE(find_button(halden_factory, "Red Mod On"));
+    OutputDravikDialog output(nullptr, "d1", dravik);
+    EXPECT_EQ(output.windowTitle(), "Output: d1");
+    EXPECT_EQ(output.findChildren<QCheckBox*>().size(), 0);
+    EXPECT_TRUE(label_texts(&output).contains("Avg Time"));
 }
 
 TEST(GenericConfig, EditorsCarryLimitsUnitsAndValuesAndButtonsTheirMessages)
@@ -305,20 +316,6 @@ TEST(GenericConfig, EditorsCarryLimitsUnitsAndValuesAndButtonsTheirMessages)
     EXPECT_EQ(clicked[1][0].value<std::string>(), "Plain");
     ASSERT_EQ(raw.count(), 1);
     EXPECT_EQ(raw[0][0].value<std::string>(), "<arvex><x>1</x></arvex>\n");
-}
-
-TEST(GenericConfig, ModelDialogsTakeTheirOwnLabelsAndTheDravikOutputLeavesOutItsRecords)
-{
-    DocQuenta quenta;
-    DocHalden halden;
-    DocDravik dravik;
-    EXPECT_TRUE(page_names(FactoryQuentaDialog(nullptr, "q1", quenta)).contains("Pump - High"));
-    FactoryHaldenDialog halden_factory(nullptr, "h1", halden);
-    EXPECT_TRUE(find_button(halden_factory, "Red Mod On"));
-    OutputDravikDialog output(nullptr, "d1", dravik);
-    EXPECT_EQ(output.windowTitle(), "Output: d1");
-    EXPECT_EQ(output.findChildren<QCheckBox*>().size(), 0);
-    EXPECT_TRUE(label_texts(&output).contains("Avg Time"));
 }
 
 TEST(GenericConfig, ApplyWithoutEditsSendsNothing)
