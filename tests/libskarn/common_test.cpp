@@ -181,6 +181,10 @@ TEST(Documents, IsConfigChangedCountsSettingsOnly)
     }
     DocTolvan fresh;
     EXPECT_TRUE(fresh.Conf().IsConfigChanged());
+    // The Quenta's serial number counts through the read-only view at the model level.
+    Clean<DocQuenta> quenta_doc;
+    quenta_doc.Conf().Serialnumber()._set_changed(true);
+    EXPECT_TRUE(quenta_doc.Conf().IsConfigChanged());
 }
 
 // A command holds for the message that sets it and is changed as sent; the next message clears it.

@@ -124,14 +124,6 @@ TEST(DravikScripts, CodeAndConditionsOnTheWire)
 
 // --- Quenta ---
 
-// The serial number counts through the view at the model level.
-TEST(Quenta, SerialnumberIsAConfigChange)
-{
-    Clean<DocQuenta> doc;
-    doc.Conf().Serialnumber()._set_changed(true);
-    EXPECT_TRUE(doc.Conf().IsConfigChanged());
-}
-
 TEST(Quenta, GpioPinsAreReachedByNumber)
 {
     DocQuenta doc;
