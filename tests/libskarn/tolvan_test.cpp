@@ -58,11 +58,9 @@ TEST(TolvanBoxData, TimeAndChecksumColumnsCannotBeSwitchedOff)
 
 // --- calibration history ---
 
-ConfigCalRecord& add_record(ConfigCalHistory& history, double time, const std::string& type, float zero)
+void add_record(ConfigCalHistory& history, double time, const std::string& type, float zero)
 {
-    auto* record = new ConfigCalRecord(Timestamp(time), type, zero, 1);
-    history.add(*record);
-    return *record;
+    history.add(*new ConfigCalRecord(Timestamp(time), type, zero, 1));
 }
 
 std::vector<std::string> summary(const ConfigCalHistory& history)
@@ -91,6 +89,9 @@ TEST(TolvanCalHistory, ClearOldRecordsKeepsTheLastMatchOfEachKindSpanFirst)
     EXPECT_EQ(summary(history), (std::vector<std::string>{"200 CH4 Span 0.2", "100 CH4 Zero 0.3"}));
     for (Configurable* child : history.children())
         EXPECT_EQ(child->parent(), &history);
+    // A record is found by its time alone.
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(100), "CH4 Span", 9, 9)), history.children().back());
+    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(101), "CH4 Zero", 0.3f, 1)), nullptr);
 
     ConfigCalHistory other;
     add_record(other, 50, "manual CH4 Span (gas 2 ppm)", 0.7f);
@@ -117,14 +118,6 @@ TEST(TolvanCalHistory, CalClearsWithItsOwnLastTimes)
     auto& kept = static_cast<ConfigCalRecord&>(*cal.History().children().front());
     EXPECT_FLOAT_EQ(kept.Ch4zero().get(), 0.25f);
     EXPECT_EQ(kept.name(), "record");
-}
-
-TEST(TolvanCalHistory, RecordsAreTheSameByTimeAlone)
-{
-    ConfigCalHistory history;
-    ConfigCalRecord& zero = add_record(history, 100, "CH4 Zero", 0.1f);
-    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(100), "CH4 Span", 9, 9)), &zero);
-    EXPECT_EQ(history.find(ConfigCalRecord(Timestamp(101), "CH4 Zero", 0.1f, 1)), nullptr);
 }
 
 TEST(TolvanCalHistory, CopiesCarryValuesAndName)
