@@ -5,8 +5,6 @@
 
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -17,6 +15,7 @@
 #include "link/connectortype.h"
 #include "link/logdialog.h"
 #include "link_test_util.h"
+#include "tests/service/wire.h"
 
 namespace {
 
@@ -269,31 +268,20 @@ TEST_F(StreamTest, RegistrySharesAndReplaces)
 
 constexpr int TIMEOUT_MS = 5000;
 
-// An instrument stand-in that accepts one client and collects the lines it sends.
-struct FakeInstrument {
-    FakeInstrument() { EXPECT_TRUE(server.listen(QHostAddress::LocalHost)); }
+// The shared instrument stand-in, collecting the lines the connector sends.
+struct Instrument : FakeInstrument {
     int port() const { return server.serverPort(); }
-
-    bool Accept()
-    {
-        // Waiting through the event loop, so that the connector's socket goes on working.
-        if (!client && QTest::qWaitFor([&] { return server.hasPendingConnections(); }, TIMEOUT_MS))
-            client = server.nextPendingConnection();
-        return client != nullptr;
-    }
     /// Waits until `count` lines have come in.
     bool WaitForLines(size_t count)
     {
         return QTest::qWaitFor([&] {
-            while (client && client->canReadLine())
-                lines.push_back(client->readLine().toStdString());
+            while (socket && socket->canReadLine())
+                lines.push_back(socket->readLine().toStdString());
             return lines.size() >= count;
         }, TIMEOUT_MS);
     }
-    void Send(const std::string& text) { client->write(text.data(), qint64(text.size())), client->flush(); }
+    void Send(const std::string& text) { socket->write(text.data(), qint64(text.size())), socket->flush(); }
 
-    QTcpServer server;
-    QTcpSocket* client = nullptr;
     std::vector<std::string> lines;
 };
 
@@ -301,7 +289,7 @@ struct FakeInstrument {
 // are taken whole; changes go out at once, and within the period they are coalesced.
 TEST(Socket, OpeningFramingAndChanges)
 {
-    FakeInstrument instrument;
+    Instrument instrument;
     auto connector = Connector::Factory(nullptr, "socket-tolvan", "tolvan");
     QSignalSpy connected(connector.get(), &Connector::Connected);
     connector->Connect("127.0.0.1", 0, instrument.port());
@@ -390,7 +378,7 @@ TEST(Socket, QueueFallsThroughTheLastRefusalIsShownOnceAndDisconnectForgetsIt)
     // A good target after two bad ones is reached without a box. Connecting then only queues, and
     // disconnecting forgets the queue.
     boxes.clear();
-    FakeInstrument instrument;
+    Instrument instrument;
     QSignalSpy connected(connector.get(), &Connector::Connected);
     connector->Connect("127.0.0.1", 0, closed[0]);
     connector->Connect("127.0.0.1", 0, instrument.port());
