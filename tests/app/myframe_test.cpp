@@ -17,7 +17,6 @@
 
 namespace {
 
-const int kTimeoutMs = 20000;
 using Window = MyFrame::InstrumentWindow;
 using Request = MyFrame::WindowRequest;
 using Txt = std::map<std::string, std::string>;
@@ -336,7 +335,7 @@ TEST_F(Panel, UpdateButtonRunsItsCommandsWithTheDefines)
 
     auto* dialog = _frame->findChild<ExternalDialog*>();
     ASSERT_NE(dialog, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.empty(); }, kTimeoutMs));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.empty(); }, WIRE_TIMEOUT_MS));
     EXPECT_EQ(boxes[0], "Show -- Finished");
     // A define of the file is not replaced by the panel's own (ipv4).
     const std::string json = "{\"host\":\"tolvan-1.local.\",\"ip\":\"fe80::1%3\",\"ipv4\":\"from-file\","
@@ -391,13 +390,13 @@ TEST_F(Panel, DiscoveredInstrumentsAreListed)
     DnsSdDouble::AddRecord(FakeRecord::Address("tolvan-1.local.", 2, "fe80::1"));
     Make();
     ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 2 && DnsSdDouble::PendingAnswers() == 0; },
-                                kTimeoutMs));
+                                WIRE_TIMEOUT_MS));
     EXPECT_EQ(Rows()[0], (QStringList{"ch4-sim-1", "Tolvan", "1.2", ""}));
     EXPECT_EQ(_frame->Instruments()[0].addresses,
               (std::set<SocketAddress>{Address("10.1.2.3", 4410), Address("fe80::1", 4410, 2)}));
 
     DnsSdDouble::Withdraw("ch4-sim-1");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 1; }, kTimeoutMs));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 1; }, WIRE_TIMEOUT_MS));
     EXPECT_EQ(Rows()[0][0], "Other...");
 }
 

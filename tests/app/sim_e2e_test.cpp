@@ -26,11 +26,6 @@ QStringList types(QTreeWidget* tree)
     return texts;
 }
 
-bool filled(const QTableWidget& table, int row, int column)
-{
-    return table.item(row, column) && !table.item(row, column)->text().isEmpty();
-}
-
 TEST(CalibrationPanel, ZeroSpanAndClearOldHistoryAgainstTheSimulator)
 {
     SimProcess sim({"--model", "tolvan", "--name", "sim-tolvan"});
@@ -102,7 +97,7 @@ TEST(ModelsEndToEnd, EveryRowOpensItsWindowWithLiveValues)
         }
         auto* table = window->findChild<MyTableWidget*>();
         for (int column : {1, 3})  // "DATA" and "DATASTAT"
-            EXPECT_TRUE(QTest::qWaitFor([&] { return filled(*table, 0, column); }, TIMEOUT_MS)) << row.model << column;
+            EXPECT_TRUE(QTest::qWaitFor([&] { return !cell(*table, 0, column).isEmpty(); }, TIMEOUT_MS)) << row.model << column;
         if (*row.announced) {
             EXPECT_TRUE(QTest::qWaitFor([&] {
                 for (int column = 0; column < table->columnCount(); column += 2)
@@ -137,7 +132,7 @@ TEST(WatchEndToEnd, OtherRowOpensALiveWatchThatOutlivesAReboot)
 
     // Row 5 of "DATASTAT" is the laser's temperature; "DATA" shows from the first "DATASTAT" after it.
     auto* table = watch->findChild<MyTableWidget*>();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return filled(*table, 5, 3) && filled(*table, 0, 1); }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cell(*table, 5, 3).isEmpty() && !cell(*table, 0, 1).isEmpty(); }, TIMEOUT_MS));
     EXPECT_EQ(table->item(5, 2)->text(), "LCTACTUAL");
     watch->OnCellDoubleClicked(5, 2);
     auto* plot = watch->findChild<PlotDialog*>();

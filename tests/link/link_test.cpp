@@ -266,8 +266,6 @@ TEST_F(StreamTest, RegistrySharesAndReplaces)
 
 // --- over a real socket: a QTcpServer on 127.0.0.1 stands in for the instrument ---
 
-constexpr int TIMEOUT_MS = 5000;
-
 // The shared instrument stand-in, collecting the lines the connector sends.
 struct Instrument : FakeInstrument {
     int port() const { return server.serverPort(); }
@@ -278,7 +276,7 @@ struct Instrument : FakeInstrument {
             while (socket && socket->canReadLine())
                 lines.push_back(socket->readLine().toStdString());
             return lines.size() >= count;
-        }, TIMEOUT_MS);
+        }, WIRE_TIMEOUT_MS);
     }
     void Send(const std::string& text) { socket->write(text.data(), qint64(text.size())), socket->flush(); }
 
@@ -294,7 +292,7 @@ TEST(Socket, OpeningFramingAndChanges)
     QSignalSpy connected(connector.get(), &Connector::Connected);
     connector->Connect("127.0.0.1", 0, instrument.port());
     ASSERT_TRUE(instrument.Accept());
-    EXPECT_TRUE(connected.count() > 0 || connected.wait(TIMEOUT_MS));
+    EXPECT_TRUE(connected.count() > 0 || connected.wait(WIRE_TIMEOUT_MS));
     EXPECT_EQ(connector->ConnectedTo(), "127.0.0.1:" + std::to_string(instrument.port()));
     ASSERT_TRUE(instrument.WaitForLines(4));
     EXPECT_EQ(instrument.lines,
@@ -305,20 +303,20 @@ TEST(Socket, OpeningFramingAndChanges)
     connector->RegisterListener("DATA", &listener);
     const std::string data = with_sum("DATA\t1\t2\t3\t");
     instrument.Send("DATAH\tA\tB\tC\n" + data.substr(0, 5));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !connector->Header("DATAH").empty(); }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !connector->Header("DATAH").empty(); }, WIRE_TIMEOUT_MS));
     EXPECT_EQ(log, "");
     instrument.Send(data.substr(5) + with_sum("DATA\t4\t5\t6\t") + "<arvex><tolvan><name>sp");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return log.size() > 40; }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return log.size() > 40; }, WIRE_TIMEOUT_MS));
     EXPECT_EQ(log, "L:Data:DATA L:Post:DATA L:Data:DATA L:Post:DATA ");
     EXPECT_EQ(connector->VarStrings("DATA")[0], "4");
 
     // An XML line split over two reads is applied once, whole.
     QSignalSpy received(connector.get(), &Connector::GotXMLChanges);
     instrument.Send("lit</name></tolvan></arvex>\n");
-    ASSERT_TRUE(received.wait(TIMEOUT_MS));
+    ASSERT_TRUE(received.wait(WIRE_TIMEOUT_MS));
     EXPECT_EQ(connector->Doc_Tolvan().Conf().Name().get(), "split");
     instrument.Send("<arvex><tolvan><name>split</name></tolvan></arvex>\n" + with_sum("DATA\t7\t8\t9\t"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return connector->VarStrings("DATA")[0] == "7"; }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return connector->VarStrings("DATA")[0] == "7"; }, WIRE_TIMEOUT_MS));
     EXPECT_EQ(received.count(), 1);  // the same value again changes nothing
     Connector::LookupAndUnRegisterListener(&listener);
 
@@ -369,7 +367,7 @@ TEST(Socket, QueueFallsThroughTheLastRefusalIsShownOnceAndDisconnectForgetsIt)
     auto connector = Connector::Factory(nullptr, "queue-host", "tolvan");
     for (int port : closed)
         connector->Connect("127.0.0.1", 0, port);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.empty(); }, TIMEOUT_MS));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !boxes.empty(); }, WIRE_TIMEOUT_MS));
     ASSERT_EQ(boxes.size(), 1u);  // and it is the last target's: nothing is left to try
     EXPECT_EQ(boxes[0], "Connect To Instrument|The connection was refused by the peer. Make sure the instrument is "
                         "running, and check that the host name and port settings are correct.");
@@ -383,7 +381,7 @@ TEST(Socket, QueueFallsThroughTheLastRefusalIsShownOnceAndDisconnectForgetsIt)
     connector->Connect("127.0.0.1", 0, closed[0]);
     connector->Connect("127.0.0.1", 0, instrument.port());
     EXPECT_TRUE(instrument.Accept());
-    EXPECT_TRUE(connected.count() > 0 || connected.wait(TIMEOUT_MS));
+    EXPECT_TRUE(connected.count() > 0 || connected.wait(WIRE_TIMEOUT_MS));
     EXPECT_TRUE(boxes.empty());
     Connector::SetMessageBox([](QWidget*, const QString&, const QString&) {});
     connector->Connect("fe80::1", 4, 4410);
@@ -391,7 +389,7 @@ TEST(Socket, QueueFallsThroughTheLastRefusalIsShownOnceAndDisconnectForgetsIt)
     connector->Disconnect();
     EXPECT_EQ(connector->ConnectedTo(), "");
     QSignalSpy disconnected(connector.get(), &Connector::Disconnected);
-    EXPECT_TRUE(disconnected.count() > 0 || disconnected.wait(TIMEOUT_MS));
+    EXPECT_TRUE(disconnected.count() > 0 || disconnected.wait(WIRE_TIMEOUT_MS));
     EXPECT_EQ(connector->ConnectedTo(), "");  // a queued target would be dialled on this signal
 }
 

@@ -145,6 +145,12 @@ inline QStringList label_texts(const QWidget* parent)
     return texts;
 }
 
+/// The text of a table cell; "" for one not made yet.
+inline QString cell(const QTableWidget& table, int row, int column)
+{
+    return table.item(row, column) ? table.item(row, column)->text() : QString();
+}
+
 inline QStringList row(QTreeWidget* tree, int index)
 {
     QStringList texts;

@@ -130,11 +130,6 @@ std::unique_ptr<WatchModelDialog> make_window(const std::string& type, const std
     return std::make_unique<WatchBremmelDialog>(nullptr, name, type);
 }
 
-QString cell(const QTableWidget& table, int row, int column)
-{
-    return table.item(row, column) ? table.item(row, column)->text() : QString();
-}
-
 TEST(WatchModels, AnnouncedHeadersAddOnePairEach)
 {
     auto window = make_window("dravik", test_host());
