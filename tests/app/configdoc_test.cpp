@@ -139,20 +139,12 @@ TEST(Defines, ApplyAndJson)
     EXPECT_EQ(json(Make({{"q", "say \"hi\"\\"}, {"nl", "a\nb"}})), "{\"nl\":\"a\\nb\",\"q\":\"say \\\"hi\\\"\\\\\"}\n");
 }
 
-// A define that uses another resolves whichever of the two sorts first.
-TEST(Defines, DefineOfADefine)
+// Buttons strip before applying, commands after: a value's line break stays in a caption only. A
+// define that uses another resolves whichever of the two sorts first.
+TEST(Defines, StrippingOrderAndDefinesOfDefines)
 {
-    Defines defines = Make({{"a_first", "<$(z_last)>"}, {"m", "$(a_first)+$(z_last)"}, {"z_last", "$(zz)"},
-                            {"zz", "deep"}});
-    defines.ApplyDefines();
-    EXPECT_EQ(defines.Map(), (std::map<std::string, std::string>{
-                                 {"a_first", "<deep>"}, {"m", "<deep>+deep"}, {"z_last", "deep"}, {"zz", "deep"}}));
-}
-
-// Buttons strip before applying, commands after: a value's line break stays in a caption only.
-TEST(Defines, StrippingOrder)
-{
-    Defines defines = Make({{"nl", "one\ntwo  three"}, {"ref", "$(nl)"}});
+    Defines defines = Make({{"nl", "one\ntwo  three"}, {"ref", "$(nl)"}, {"a_first", "<$(z_last)>"},
+                            {"m", "$(a_first)+$(z_last)"}, {"z_last", "$(zz)"}, {"zz", "deep"}});
     ButtonConfig button;
     button.caption = "a\t  $(ref)\n b";
     button.service = "tol\tvan  morvik";
@@ -163,7 +155,10 @@ TEST(Defines, StrippingOrder)
     button.cmds.push_back(command);
 
     button.ApplyDefines(defines);
-    EXPECT_EQ(defines.Map().at("ref"), "one\ntwo  three");  // ApplyDefines ran on the defines
+    // ApplyDefines ran on the defines.
+    EXPECT_EQ(defines.Map(), (std::map<std::string, std::string>{{"a_first", "<deep>"}, {"m", "<deep>+deep"},
+                                                                 {"nl", "one\ntwo  three"}, {"ref", "one\ntwo  three"},
+                                                                 {"z_last", "deep"}, {"zz", "deep"}}));
     EXPECT_EQ(button.caption, "a one\ntwo  three b");
     EXPECT_EQ(button.service, "tolvan morvik");
     EXPECT_EQ(button.version, "one\ntwo  three");
