@@ -49,10 +49,8 @@ protected:
     std::vector<QStringList> Rows()
     {
         std::vector<QStringList> rows;
-        for (int i = 0; i < Tree().topLevelItemCount(); ++i) {
-            QTreeWidgetItem* item = Tree().topLevelItem(i);
-            rows.push_back({item->text(0), item->text(1), item->text(2), item->text(3)});
-        }
+        for (int i = 0; i < Tree().topLevelItemCount(); ++i)
+            rows.push_back(row(&Tree(), i));
         return rows;
     }
 
