@@ -10,7 +10,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
@@ -21,6 +20,7 @@
 
 #include "link/connector.h"
 #include "tests/discovery/dnssd_double.h"
+#include "tests/service/wire.h"
 
 namespace {
 
@@ -69,20 +69,18 @@ std::vector<ShownMessage> Windows::_messages;
 // The calibration panel dials a full target and sends the opening lines, dials nothing without
 // one, and reports a refused connection over itself.
 TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    MyCalMainWindow window("Arvex Calibration Control Panel", "cal-dial", "127.0.0.1", server.serverPort());
+    FakeInstrument instrument;
+    MyCalMainWindow window("Arvex Calibration Control Panel", "cal-dial", "127.0.0.1", instrument.server.serverPort());
     EXPECT_EQ(window.windowTitle(), "Calibration Control Panel: cal-dial");
     // A Tolvan's connector, whatever the instrument, registered under its name.
     const auto connector = Connector::LookupConnector("cal-dial");
     ASSERT_NE(connector, nullptr);
     EXPECT_EQ(connector->Type(), "tolvan");
 
-    ASSERT_TRUE(QTest::qWaitFor([&] { return server.hasPendingConnections(); }, kTimeoutMs));
-    QTcpSocket* peer = server.nextPendingConnection();
+    ASSERT_TRUE(instrument.Accept());
     QByteArray received;
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        received += peer->readAll();
+        received += instrument.socket->readAll();
         return received.count('\n') >= 4;
     }, kTimeoutMs));
     EXPECT_EQ(received.toStdString(),
@@ -102,8 +100,8 @@ TEST_F(Windows, CalibrationPanelDialsAndSendsTheOpeningLines) {
     }
 
     // A refused connection is reported over the panel.
-    const quint16 closed_port = server.serverPort();
-    server.close();
+    const quint16 closed_port = instrument.server.serverPort();
+    instrument.server.close();
     MyCalMainWindow refused("", "cal-refused", "127.0.0.1", closed_port);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !_messages.empty(); }, kTimeoutMs));
     EXPECT_EQ(_messages[0].parent, &refused);
