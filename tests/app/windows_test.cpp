@@ -119,7 +119,7 @@ TEST_F(Windows, CalibrationPanelBrowsesForItsInstrument) {
     for (const auto& [name, server] : services) {
         DnsSdDouble::AddRecord(FakeRecord::Address(std::string(name) + ".local.", 1, "127.0.0.1"));
         DnsSdDouble::Announce(
-            {name, "_arvex-tolvan._tcp", "local.", 2, std::string(name) + ".local.", server->serverPort()});
+            {name, "_arvex-tolvan._tcp", "local.", 2, std::string(name) + ".local.", server->serverPort(), "", 0});
     }
 
     MyCalMainWindow window("", "cal-browse", "", 0);
