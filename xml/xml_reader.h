@@ -19,19 +19,26 @@ struct Table {
     {
         for (int c = '\t'; c <= '\r'; ++c)
             bits[c] = SPACE;
-        bits[' '] = SPACE;
+        mark(" ", SPACE);
         for (int c = 'a'; c <= 'z'; ++c)
             bits[c] = bits[c - 'a' + 'A'] = NAME_START | NAME;
         for (int c = '0'; c <= '9'; ++c)
             bits[c] = DIGIT | NAME;
-        bits['&'] = NAME_START | STOP;
-        bits[':'] = bits['_'] = NAME_START | NAME;
-        bits['-'] = bits['.'] = bits[';'] = NAME;
-        bits['"'] = bits['\''] = bits['<'] = bits['>'] = STOP;
+        mark("&", NAME_START | STOP);
+        mark(":_", NAME_START | NAME);
+        mark("-.;", NAME);
+        mark("\"'<>", STOP);
         for (auto& b : bits)
             if (b & NAME)
                 b |= NAME_PLAIN;
-        bits[';'] &= ~NAME_PLAIN;
+        bits[int(';')] &= ~NAME_PLAIN;
+    }
+
+private:
+    constexpr void mark(const char* chars, unsigned char bit)
+    {
+        for (; *chars; ++chars)
+            bits[static_cast<unsigned char>(*chars)] = bit;
     }
 };
 inline constexpr Table table{};
