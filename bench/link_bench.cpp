@@ -6,11 +6,11 @@
 #include <QCoreApplication>
 
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <string>
 
 #include "bench/ratio.h"
+#include "bench/with_sum.h"
 #include "link/connector.h"
 #include "link/delimparser.h"
 
@@ -31,13 +31,7 @@ std::string data_line()
     std::string line = "DATA\t1479427135\t250000000";
     for (int i = 2; i < FIELDS - 1; ++i)
         line += "\t" + std::to_string(1.8 + i * 0.0137).substr(0, 8);
-    line += "\t";
-    unsigned sum = 0;
-    for (unsigned char c : line)
-        sum += c;
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%03u", sum & 0xff);
-    return line + digits + "\n";
+    return with_sum(line + "\t");
 }
 
 void BM_HandleData(benchmark::State& state)
