@@ -178,7 +178,7 @@ std::istream& Configurable::configure(std::istream& in, std::ostream& out)
     for (;;) {
         switch (parser.GetNextToken()) {
         case XMLParser::STRING:
-            if (!_do_configure_string(parser.GetTokenString(), writer, true))
+            if (!_do_configure_string(std::string(parser.GetTokenString()), writer, true))
                 in.setstate(std::ios_base::failbit);
             else
                 continue;
@@ -193,7 +193,7 @@ std::istream& Configurable::configure(std::istream& in, std::ostream& out)
                 if (!_do_configure(parser, writer))
                     in.setstate(std::ios_base::failbit);
             } else {
-                _error("Invalid start element: " + parser.GetTokenString(), writer);
+                _error("Invalid start element: " + std::string(parser.GetTokenString()), writer);
                 in.setstate(std::ios_base::failbit);
             }
             return in;
@@ -352,19 +352,20 @@ bool Configurable::_do_configure(XMLParser& parser, XMLWriter& writer)
     for (;;) {
         switch (parser.GetNextToken()) {
         case XMLParser::START_ELEMENT:
-            if (!_do_configure_start(parser.GetTokenString(), parser, writer))
+            if (!_do_configure_start(std::string(parser.GetTokenString()), parser, writer))
                 return false;
             break;
         case XMLParser::ATTRIBUTE:
-            if (!_do_configure_attribute(parser.GetTokenString(), writer))
+            if (!_do_configure_attribute(std::string(parser.GetTokenString()), writer))
                 return false;
             break;
         case XMLParser::ATTRIBUTE_VALUE_PAIR:
-            if (!_do_configure_attribute_pair(parser.GetTokenString(), parser.GetTokenValue(), writer))
+            if (!_do_configure_attribute_pair(std::string(parser.GetTokenString()),
+                                              std::string(parser.GetTokenValue()), writer))
                 return false;
             break;
         case XMLParser::STRING: {
-            const std::string& text = parser.GetTokenString();
+            const std::string text(parser.GetTokenString());
             _on_string(text);
             if (_listener)
                 _listener->GotString({this}, text);
@@ -374,7 +375,7 @@ bool Configurable::_do_configure(XMLParser& parser, XMLWriter& writer)
         }
         case XMLParser::END_ELEMENT:
             if (parser.GetTokenString() != _name) {
-                _error("Invalid End Element: " + parser.GetTokenString(), writer);
+                _error("Invalid End Element: " + std::string(parser.GetTokenString()), writer);
                 return false;
             }
             _on_configure_end();

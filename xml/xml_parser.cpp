@@ -1,36 +1,153 @@
 #include "xml/xml_parser.h"
 
+#include <algorithm>
+#include <memory>
+
 #include "xml/xml_reader.h"
 
+
+namespace {
+
+bool has(char c, unsigned char bit)
+{
+    return xml_class::table.bits[static_cast<unsigned char>(c)] & bit;
+}
+
+// Where the name that starts at `p` ends, as read_name takes it: at the first byte that can't be in
+// a name, or past a ";". Null when the window ends first, since more input could lengthen it.
+const char* name_end(const char* p, const char* end)
+{
+    ++p;
+    while (p != end && has(*p, xml_class::NAME_PLAIN))
+        ++p;
+    if (p == end)
+        return nullptr;
+    return *p == ';' ? p + 1 : p;
+}
+
+std::string_view view(const char* from, const char* to)
+{
+    return {from, static_cast<std::size_t>(to - from)};
+}
+
+} // namespace
+
+XMLCharReader::Shortcut XMLCharReader::shortcut(bool in_tag, bool& closed, std::string_view& text, std::string_view& value)
+{
+    closed = false;
+    if (!_good() || _p == _end)
+        return NONE;
+    if (!in_tag)
+        return _outside(_p, text);
+    if (*_p != '>')
+        return _attribute(_p, text, value);
+    const Shortcut s = _outside(_p + 1, text);
+    closed = s != NONE;
+    return s;
+}
+
+XMLCharReader::Shortcut XMLCharReader::_outside(const char* p, std::string_view& text)
+{
+    if (_end - p < 2)
+        return NONE;
+    if (*p == '<') {
+        if (p[1] == '/') {
+            if (_end - p < 3 || !has(p[2], xml_class::NAME_START))
+                return NONE;
+            const char* e = name_end(p + 2, _end);
+            if (!e || e == _end || *e != '>')
+                return NONE;
+            text = view(p + 2, e);
+            _p = e + 1;
+            return END_TAG;
+        }
+        if (!has(p[1], xml_class::NAME_START))
+            return NONE;
+        const char* e = name_end(p + 1, _end);
+        if (!e)
+            return NONE;
+        text = view(p + 1, e);
+        _p = e;
+        return START_TAG;
+    }
+    if (*p == '>')
+        return NONE;
+    while (p != _end && has(*p, xml_class::SPACE))
+        ++p;
+    if (p == _end || *p == '"' || *p == '\'' || *p == '&')
+        return NONE;
+    const char* stop = p;
+    const char* kept = p; // past the last byte that is not white space
+    while (stop != _end) {
+        const unsigned char bits = xml_class::table.bits[static_cast<unsigned char>(*stop)];
+        if (bits & xml_class::STOP)
+            break;
+        ++stop;
+        if (!(bits & xml_class::SPACE))
+            kept = stop;
+    }
+    if (stop == _end || *stop == '&')
+        return NONE;
+    text = view(p, kept);
+    _p = stop;
+    return TEXT;
+}
+
+XMLCharReader::Shortcut XMLCharReader::_attribute(const char* p, std::string_view& name, std::string_view& value)
+{
+    if (!has(*p, xml_class::NAME_START))
+        return NONE;
+    const char* e = name_end(p, _end);
+    if (!e || e == _end)
+        return NONE;
+    if (*e != '=') {
+        name = view(p, e);
+        _p = e;
+        return ATTRIBUTE;
+    }
+    const char* q = e + 1;
+    if (q == _end || (*q != '"' && *q != '\''))
+        return NONE;
+    const char* r = q + 1;
+    for (;; ++r) {
+        if (r == _end)
+            return NONE;
+        if (!has(*r, xml_class::STOP))
+            continue;
+        if (*r == *q)
+            break;
+        if (*r != '"' && *r != '\'')
+            return NONE;
+    }
+    name = view(p, e);
+    value = view(q + 1, r);
+    _p = r + 1;
+    return PAIR;
+}
 
 XMLParser::XMLParser(std::istream& is) : _is(is)
 {
     // START_DOC twice: it is current before anything is read, and the first
     // GetNextToken delivers it as well.
-    _history.reserve(64);
-    TokenInfo& start = _new_token();
-    start.type = START_DOC;
-    _history.push_back(&start);
+    _append().type = START_DOC;
+    _append().type = START_DOC;
     _go(0);
 }
 
-XMLParser::~XMLParser()
+XMLParser::~XMLParser() = default;
+
+void XMLParser::_new_block()
 {
-    // The first entry is the second one again.
-    for (std::size_t i = 1; i < _history.size(); ++i)
-        _history[i]->~TokenInfo();
+    auto* block = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
+    std::uninitialized_default_construct_n(block, BLOCK);
+    _blocks.push_back(block);
 }
 
-XMLParser::TokenInfo& XMLParser::_new_token()
+void XMLParser::_new_text_block(std::size_t size)
 {
-    if (_block_next == _block_end) {
-        constexpr std::size_t BLOCK = 32;
-        _block_next = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
-        _block_end = _block_next + BLOCK;
-    }
-    TokenInfo* tok = new (_block_next++) TokenInfo;
-    _history.push_back(tok);
-    return *tok;
+    const std::size_t block = std::max<std::size_t>(size, 2048);
+    _text_next = static_cast<char*>(_arena.allocate(block, 1));
+    _text_end = _text_next + block;
 }
 
 void XMLParser::PutBackToken()
@@ -63,9 +180,9 @@ void XMLParser::RecoverFromError()
     }
 }
 
-void XMLParser::_read_token()
+const XMLParser::TokenInfo& XMLParser::_read_token()
 {
-    TokenInfo& tok = _new_token();
+    TokenInfo& tok = _append();
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();
@@ -77,35 +194,45 @@ void XMLParser::_read_token()
         }
     }
     _in.finish();
+    return tok;
+}
+
+void XMLParser::_start_element(TokenInfo& tok, std::string_view name)
+{
+    const std::string_view kept = _keep(name);
+    tok.type = START_ELEMENT;
+    tok.text = kept;
+    _open_element = kept;
+    _start_tag_open = true;
 }
 
 bool XMLParser::_shortcut(TokenInfo& tok)
 {
     bool closed;
-    const auto s = _in.shortcut(_start_tag_open, closed, tok.text, tok.value);
+    std::string_view text, value;
+    const auto s = _in.shortcut(_start_tag_open, closed, text, value);
     if (closed)
         _start_tag_open = false;
     switch (s) {
-    case XMLCharReader::START_TAG:
-        tok.type = START_ELEMENT;
-        _open_element = &tok;
-        _start_tag_open = true;
-        return true;
-    case XMLCharReader::END_TAG: tok.type = END_ELEMENT; return true;
-    case XMLCharReader::TEXT: tok.type = STRING; return true;
-    case XMLCharReader::ATTRIBUTE: tok.type = ATTRIBUTE; return true;
-    case XMLCharReader::PAIR: tok.type = ATTRIBUTE_VALUE_PAIR; return true;
+    case XMLCharReader::START_TAG: _start_element(tok, text); return true;
+    case XMLCharReader::END_TAG: tok.type = END_ELEMENT; break;
+    case XMLCharReader::TEXT: tok.type = STRING; break;
+    case XMLCharReader::ATTRIBUTE: tok.type = ATTRIBUTE; break;
+    case XMLCharReader::PAIR:
+        tok.type = ATTRIBUTE_VALUE_PAIR;
+        tok.value = _keep(value);
+        break;
     default: return false;
     }
+    tok.text = _keep(text);
+    return true;
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const
 {
     if (!_in.failed())
         return false;
-    tok.type = _in.eof() ? END_DOC : ERROR;
-    tok.text.clear();
-    tok.value.clear();
+    tok = {_in.eof() ? END_DOC : ERROR, {}, {}};
     return true;
 }
 
@@ -157,33 +284,33 @@ void XMLParser::_read_outside_tag(TokenInfo& tok)
             if (_failed(tok))
                 return;
             in.unget();
-            in.read_name(tok.text);
+            in.read_name(_scratch);
             if (_failed(tok))
                 return;
-            if (tok.text.empty()) {
+            if (_scratch.empty())
                 _error(tok, "Empty XML tag name");
-                return;
-            }
-            tok.type = START_ELEMENT;
-            _open_element = &tok;
-            _start_tag_open = true;
+            else
+                _start_element(tok, _scratch);
         } else {
-            in.read_name(tok.text);
+            in.read_name(_scratch);
             c = in.get();
             if (_failed(tok))
                 return;
-            if (tok.text.empty())
+            if (_scratch.empty()) {
                 _error(tok, "Empty XML tag name");
-            else if (c == '>')
+            } else if (c == '>') {
                 tok.type = END_ELEMENT;
-            else
+                tok.text = _keep(_scratch);
+            } else {
                 _error(tok, "Invalid XML tag end sequence");
+            }
         }
     } else {
         // Text up to the end of input is a normal STRING; END_DOC follows.
         in.unget();
-        in.read_string(tok.text);
+        in.read_string(_scratch);
         tok.type = STRING;
+        tok.text = _keep(_scratch);
     }
 }
 
@@ -210,7 +337,7 @@ void XMLParser::_read_inside_tag(TokenInfo& tok)
         if (c == '>') {
             _start_tag_open = false;
             tok.type = END_ELEMENT;
-            tok.text = _open_element->text;
+            tok.text = _open_element;
         } else {
             _error(tok, "Invalid XML tag end sequence");
         }
@@ -219,20 +346,20 @@ void XMLParser::_read_inside_tag(TokenInfo& tok)
         // The byte after the name is consumed even when the name is empty,
         // so that recovery always makes progress.
         in.unget();
-        in.read_name(tok.text);
+        in.read_name(_scratch);
         c = in.get();
         if (_failed(tok))
             return;
-        if (tok.text.empty()) {
+        if (_scratch.empty()) {
             _error(tok, "Empty XML tag name");
         } else if (c == '=') {
-            in.read_string(tok.value);
+            in.read_string(_scratch_value);
             if (_failed(tok))
                 return;
-            tok.type = ATTRIBUTE_VALUE_PAIR;
+            tok = {ATTRIBUTE_VALUE_PAIR, _keep(_scratch), _keep(_scratch_value)};
         } else {
             in.unget();
-            tok.type = ATTRIBUTE;
+            tok = {ATTRIBUTE, _keep(_scratch), {}};
         }
         break;
     }

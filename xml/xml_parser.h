@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <new>
+#include <cstdint>
+#include <cstring>
 #include <istream>
 #include <memory_resource>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "xml/xml_reader.h"
@@ -13,7 +15,8 @@
 // lenient: unquoted attribute values, entities as attribute names and text
 // made of several strings are all accepted, and end tags are not matched
 // against start tags. Every token read is kept, so tokens can be read again
-// (PutBackToken, MarkCurrToken/GotoMarkedToken).
+// (PutBackToken, MarkCurrToken/GotoMarkedToken); their texts stay valid as
+// long as the parser lives.
 //
 // Errors never throw: an ERROR token carries the message and failbit is set
 // on the stream. The parser then stays on the error until RecoverFromError.
@@ -46,8 +49,8 @@ public:
         return _advance();
     }
     TokenType GetCurrToken() const { return _tok->type; }
-    const std::string& GetTokenString() const { return _tok->text; }
-    const std::string& GetTokenValue() const { return _tok->value; }
+    std::string_view GetTokenString() const { return _tok->text; }
+    std::string_view GetTokenValue() const { return _tok->value; }
 
     // Steps back one token (not before the first).
     void PutBackToken();
@@ -61,46 +64,97 @@ public:
     void RecoverFromError();
 
 private:
+    // Texts point into the parser's own text blocks, or at a static message.
     struct TokenInfo {
         TokenType type = ERROR;
-        std::string text;
-        std::string value;
+        std::string_view text;
+        std::string_view value;
     };
     void _go(std::size_t index)
     {
         _curr = index;
-        _tok = _history[index];
+        _tok = &_blocks[index / BLOCK][index % BLOCK];
     }
     TokenType _advance()
     {
-        if (_curr + 1 == _history.size())
-            _read_token();
-        _go(_curr + 1);
+        if (_curr + 1 == _size) {
+            ++_curr;
+            _tok = &_read_token();
+        } else {
+            _go(_curr + 1);
+        }
         return _tok->type;
     }
-    TokenInfo& _new_token();
-    void _read_token();
+    // A new last token in the history, of type ERROR with empty texts.
+    TokenInfo& _append()
+    {
+        if (_size % BLOCK == 0)
+            _new_block();
+        const std::size_t index = _size++;
+        return _blocks[index / BLOCK][index % BLOCK];
+    }
+    void _new_block();
+    // Appends the next token of the stream.
+    const TokenInfo& _read_token();
     // A token that XMLCharReader::shortcut reads whole; false if none.
     bool _shortcut(TokenInfo& tok);
     void _read_outside_tag(TokenInfo& tok);
     void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;
     void _error(TokenInfo& tok, const char* message);
+    void _start_element(TokenInfo& tok, std::string_view name);
+    // A copy of `text` that lives as long as the parser.
+    std::string_view _keep(std::string_view text)
+    {
+        if (text.size() > static_cast<std::size_t>(_text_end - _text_next))
+            _new_text_block(text.size());
+        char* copy = _text_next;
+        _copy(copy, text);
+        _text_next += text.size();
+        return {copy, text.size()};
+    }
+    void _new_text_block(std::size_t size);
+    // Most texts are short: they are copied in at most two overlapping words, without a call.
+    static void _copy(char* to, std::string_view text)
+    {
+        const char* from = text.data();
+        const std::size_t n = text.size();
+        if (n >= 8 && n <= 16) {
+            std::uint64_t head, tail;
+            std::memcpy(&head, from, 8);
+            std::memcpy(&tail, from + n - 8, 8);
+            std::memcpy(to, &head, 8);
+            std::memcpy(to + n - 8, &tail, 8);
+        } else if (n >= 4 && n < 8) {
+            std::uint32_t head, tail;
+            std::memcpy(&head, from, 4);
+            std::memcpy(&tail, from + n - 4, 4);
+            std::memcpy(to, &head, 4);
+            std::memcpy(to + n - 4, &tail, 4);
+        } else {
+            text.copy(to, n);
+        }
+    }
 
     std::istream& _is;
     XMLCharReader _in{_is};
-    // Tokens are never freed before the parser: an arena, which covers a
-    // short message without a malloc, holds them in blocks, so that they
-    // (and the strings handed out) stay in place. The history refers to them.
-    std::byte _initial[4096];
+    // The history and the texts live in an arena, which covers a short
+    // message without a malloc and is freed with the parser. The history is
+    // kept in blocks, so that tokens stay where they are when it grows.
+    static constexpr std::size_t BLOCK = 128;
+    std::byte _initial[8192];
     std::pmr::monotonic_buffer_resource _arena{_initial, sizeof _initial};
-    std::pmr::vector<TokenInfo*> _history{&_arena};
-    TokenInfo* _block_next = nullptr;
-    TokenInfo* _block_end = nullptr;
+    std::pmr::vector<TokenInfo*> _blocks{&_arena};
+    std::size_t _size = 0;
+    char* _text_next = nullptr;
+    char* _text_end = nullptr;
+    // Names and strings read byte by byte are gathered here first.
+    std::string _scratch;
+    std::string _scratch_value;
     std::size_t _curr = 0;
     std::size_t _mark = 0;
     const TokenInfo* _tok = nullptr;
-    const TokenInfo* _open_element = nullptr; // whose start tag is open
+    std::string_view _open_element; // whose start tag is open
     bool _start_tag_open = false;
 };
 

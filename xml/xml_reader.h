@@ -4,6 +4,7 @@
 
 #include <istream>
 #include <string>
+#include <string_view>
 
 #include "foundation/streambuf_areas.h"
 
@@ -128,7 +129,10 @@ public:
     // Skips white space; the end of input sets eofbit only.
     void skip_ws()
     {
-        if (_p == _end || _state != std::ios::goodbit || xml_is_space(static_cast<unsigned char>(*_p)))
+        if (_state == std::ios::goodbit)
+            while (_p != _end && xml_is_space(static_cast<unsigned char>(*_p)))
+                ++_p;
+        if (_p == _end || _state != std::ios::goodbit)
             _skip_ws_slow();
     }
 
@@ -143,7 +147,8 @@ public:
     // byte-wise rules would: "<name", "</name>", unquoted text free of entities up to the byte that
     // ends it, and in a start tag a name or name="value" free of entities. NONE touches nothing.
     // In a start tag the token may follow the ">" that closes the tag, which `closed` then tells.
-    Shortcut shortcut(bool in_tag, bool& closed, std::string& text, std::string& value);
+    // `text` and `value` view the window: they are good until the stream is read again.
+    Shortcut shortcut(bool in_tag, bool& closed, std::string_view& text, std::string_view& value);
 
 private:
     bool _good() const { return _state == std::ios::goodbit; }
@@ -160,8 +165,8 @@ private:
     void _read_quoted(std::string& out, int quote);
     void _read_unquoted(std::string& out);
     void _read_entity(std::string& out);
-    Shortcut _outside(const char* p, std::string& text);
-    Shortcut _attribute(const char* p, std::string& name, std::string& value);
+    Shortcut _outside(const char* p, std::string_view& text);
+    Shortcut _attribute(const char* p, std::string_view& name, std::string_view& value);
 
     std::istream& _is;
     std::streambuf* _sb = nullptr;

@@ -25,7 +25,7 @@ std::ostream& operator<<(std::ostream& os, const Token& t)
 
 Token current(const XMLParser& p)
 {
-    return {p.GetCurrToken(), p.GetTokenString(), p.GetTokenValue()};
+    return {p.GetCurrToken(), std::string(p.GetTokenString()), std::string(p.GetTokenValue())};
 }
 
 // Reads `n` tokens, or up to and including END_DOC or the first ERROR.
