@@ -141,6 +141,8 @@ void XMLParser::_new_block()
     auto* block = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
     std::uninitialized_default_construct_n(block, BLOCK);
     _blocks.push_back(block);
+    _block_next = block;
+    _block_end = block + BLOCK;
 }
 
 void XMLParser::_new_text_block(std::size_t size)

@@ -88,10 +88,10 @@ private:
     // A new last token in the history, of type ERROR with empty texts.
     TokenInfo& _append()
     {
-        if (_size % BLOCK == 0)
+        if (_block_next == _block_end)
             _new_block();
-        const std::size_t index = _size++;
-        return _blocks[index / BLOCK][index % BLOCK];
+        ++_size;
+        return *_block_next++;
     }
     void _new_block();
     // Appends the next token of the stream.
@@ -146,6 +146,8 @@ private:
     std::pmr::monotonic_buffer_resource _arena{_initial, sizeof _initial};
     std::pmr::vector<TokenInfo*> _blocks{&_arena};
     std::size_t _size = 0;
+    TokenInfo* _block_next = nullptr; // where the next token goes
+    TokenInfo* _block_end = nullptr;
     char* _text_next = nullptr;
     char* _text_end = nullptr;
     // Names and strings read byte by byte are gathered here first.

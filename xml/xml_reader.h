@@ -168,7 +168,8 @@ private:
     Shortcut _outside(const char* p, std::string_view& text);
     Shortcut _attribute(const char* p, std::string_view& name, std::string_view& value);
 
-    std::istream& _is;
+    // The stream as basic_ios, which istream holds as a virtual base: reached once, not per token.
+    std::ios& _is;
     std::streambuf* _sb = nullptr;
     std::ios::iostate _state = std::ios::goodbit;
     // The window [_begin, _end) is the buffer's get area, read up to _p; or,
