@@ -188,11 +188,24 @@ const XMLParser::TokenInfo& XMLParser::_read_token()
     _in.start();
     if (!_failed(tok)) {
         _in.skip_ws();
-        if (!_shortcut(tok)) {
+        bool closed;
+        std::string_view text, value;
+        const auto s = _in.shortcut(_start_tag_open, closed, text, value);
+        if (closed)
+            _start_tag_open = false;
+        switch (s) {
+        case XMLCharReader::START_TAG: _start_element(tok, text); break;
+        case XMLCharReader::END_TAG: tok = {END_ELEMENT, _keep(text), {}}; break;
+        case XMLCharReader::TEXT: tok = {STRING, _keep(text), {}}; break;
+        case XMLCharReader::ATTRIBUTE: tok = {ATTRIBUTE, _keep(text), {}}; break;
+        case XMLCharReader::PAIR: tok = {ATTRIBUTE_VALUE_PAIR, _keep(text), _keep(value)}; break;
+        case XMLCharReader::NONE:
+            // The rest goes byte by byte.
             if (_start_tag_open)
                 _read_inside_tag(tok);
             else
                 _read_outside_tag(tok);
+            break;
         }
     }
     _in.finish();
@@ -206,28 +219,6 @@ void XMLParser::_start_element(TokenInfo& tok, std::string_view name)
     tok.text = kept;
     _open_element = kept;
     _start_tag_open = true;
-}
-
-bool XMLParser::_shortcut(TokenInfo& tok)
-{
-    bool closed;
-    std::string_view text, value;
-    const auto s = _in.shortcut(_start_tag_open, closed, text, value);
-    if (closed)
-        _start_tag_open = false;
-    switch (s) {
-    case XMLCharReader::START_TAG: _start_element(tok, text); return true;
-    case XMLCharReader::END_TAG: tok.type = END_ELEMENT; break;
-    case XMLCharReader::TEXT: tok.type = STRING; break;
-    case XMLCharReader::ATTRIBUTE: tok.type = ATTRIBUTE; break;
-    case XMLCharReader::PAIR:
-        tok.type = ATTRIBUTE_VALUE_PAIR;
-        tok.value = _keep(value);
-        break;
-    default: return false;
-    }
-    tok.text = _keep(text);
-    return true;
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const

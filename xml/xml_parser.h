@@ -96,8 +96,6 @@ private:
     void _new_block();
     // Appends the next token of the stream.
     const TokenInfo& _read_token();
-    // A token that XMLCharReader::shortcut reads whole; false if none.
-    bool _shortcut(TokenInfo& tok);
     void _read_outside_tag(TokenInfo& tok);
     void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;
