@@ -8,9 +8,12 @@
 #include <istream>
 #include <limits>
 #include <locale>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
+#include <typeinfo>
 
 #include "foundation/streambuf_areas.h"
 
@@ -63,79 +66,92 @@ bool take(std::istream& in, const char* start, const char* stop)
     return true;
 }
 
-// The buffered input of a plain stream: `start` where reading stands, `first` past the white space
-// ahead, `end` the end of the buffer. False when the stream isn't plain or buffers nothing.
-struct Unread {
-    const char* start;
-    const char* first;
-    const char* end;
-};
-
-bool plain_unread(std::istream& in, Unread& unread)
+// The bytes a plain stream would read next, [start, end) of its buffer; false when it isn't plain
+// or buffers nothing.
+bool plain_area(std::istream& in, const char*& start, const char*& end)
 {
     if (!plain_input(in))
         return false;
-    std::streambuf& sb = *in.rdbuf();
-    unread.start = StreamGetArea::next(sb);
-    unread.end = StreamGetArea::end(sb);
-    if (!unread.start)
-        return false;
-    unread.first = unread.start;
-    while (unread.first != unread.end && is_c_space(*unread.first))
-        ++unread.first;
-    return true;
+    start = StreamGetArea::next(*in.rdbuf());
+    end = StreamGetArea::end(*in.rdbuf());
+    return start;
 }
 
-// `in >> value` for the forms a document holds, "-?digits" and for reals "-?digits.digits", up to
-// white space or the end of input, without going through the locale's number parser, which costs
-// more than the rest of a leaf's read. Anything else (signs, exponents, words, text that goes on,
-// a number out of range) is left untouched for `in >> value`.
+// The scanners below read the forms a document holds from the bytes [p, end) as the stream's
+// extractors would, without the locale's parsers, which cost more than the rest of a leaf's read.
+// Leaves use them on a stream's buffer and, through read_text, on the text of a message.
+
+// `in >> value` for white space, then "-?digits" (for reals also "-?digits.digits") up to white
+// space or `end`: where the number stops, or null for anything else (signs, exponents, words,
+// text that goes on, a number out of range), which is left to the extractor.
 template <class T>
-bool read_plain_number(std::istream& in, T& value)
+const char* plain_number(const char* p, const char* end, T& value)
 {
-    Unread unread;
-    if (!plain_unread(in, unread))
-        return false;
-    const char* const end = unread.end;
-    const char* const number = unread.first;
-    const char* p = number;
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const number = p;
     if (p != end && *p == '-')
         ++p;
     const char* const digits = p;
     while (p != end && is_c_digit(*p))
         ++p;
     if (p == digits)
-        return false;
+        return nullptr;
     if (std::is_floating_point_v<T> && p != end && *p == '.')
         for (++p; p != end && is_c_digit(*p);)
             ++p;
     if (p != end && !is_c_space(*p))
-        return false;
-    T parsed;
-    const auto [stop, ec] = std::from_chars(number, p, parsed);
+        return nullptr;
+    const auto [stop, ec] = std::from_chars(number, p, value);
     if (ec != std::errc() || stop != p)
-        return false;
+        return nullptr;
     if constexpr (std::is_floating_point_v<T>) {
         // Underflow is the stream's to judge.
         const std::string_view text(digits, size_t(p - digits));
-        if (parsed != 0 ? !std::isnormal(parsed) : text.find_first_of("123456789") != text.npos)
-            return false;
+        if (value != 0 ? !std::isnormal(value) : text.find_first_of("123456789") != text.npos)
+            return nullptr;
     }
-    if (!take(in, unread.start, p))
+    return p;
+}
+
+// `in >> word`: after white space, up to white space or `end`; empty if there is none.
+std::string_view plain_word(const char* p, const char* end)
+{
+    while (p != end && is_c_space(*p))
+        ++p;
+    const char* const word = p;
+    while (p != end && !is_c_space(*p))
+        ++p;
+    return {word, size_t(p - word)};
+}
+
+// Whether `getline(in, text, '\0')` takes [start, end) whole: it is not empty and holds no '\0'.
+bool plain_rest(const char* start, const char* end)
+{
+    return start != end && !std::memchr(start, '\0', size_t(end - start));
+}
+
+template <class T>
+bool read_plain_number(std::istream& in, T& value)
+{
+    const char *start, *end;
+    T parsed;
+    const char* stop;
+    if (!plain_area(in, start, end) || !(stop = plain_number(start, end, parsed)) || !take(in, start, stop))
         return false;
     value = parsed;
     return true;
 }
 
 // `std::getline(in, text, '\0')` when the rest of the input is in the buffer of a good stream with
-// nothing tied, holds no '\0' and is not empty: takes all of it, setting eofbit as getline would.
+// nothing tied and plain_rest holds: takes all of it, setting eofbit as getline would.
 bool read_plain_rest(std::istream& in, std::string& text)
 {
     if (!in.rdbuf() || !in.good() || in.tie())
         return false;
     const char* const start = StreamGetArea::next(*in.rdbuf());
     const char* const end = StreamGetArea::end(*in.rdbuf());
-    if (!start || start == end || std::memchr(start, '\0', size_t(end - start)) || !take(in, start, end))
+    if (!start || !plain_rest(start, end) || !take(in, start, end))
         return false;
     text.assign(start, end);
     return true;
@@ -144,16 +160,41 @@ bool read_plain_rest(std::istream& in, std::string& text)
 // `in >> word` for a word that ends at white space or at a vouched end of input.
 bool read_plain_word(std::istream& in, std::string& word)
 {
-    Unread unread;
-    if (!plain_unread(in, unread))
+    const char *start, *end;
+    if (!plain_area(in, start, end))
         return false;
-    const char* p = unread.first;
-    while (p != unread.end && !is_c_space(*p))
-        ++p;
-    if (p == unread.first || !take(in, unread.start, p))
+    const std::string_view w = plain_word(start, end);
+    if (w.empty() || !take(in, start, w.data() + w.size()))
         return false;
-    word.assign(unread.first, p);
+    word = w;
     return true;
+}
+
+// The _read of a builtin leaf. A leaf of exactly the class `own` (a subclass may override read)
+// that reads normally takes a value from `parse`, which sees the text as read() would and gives
+// nothing for text it leaves to read(); the leaf is then prepared and set as read() would do it.
+// Everything else goes through read() on a stream.
+template <class Leaf, class Parse>
+bool read_text(Leaf& leaf, const std::type_info& own, const std::string& text, XMLWriter& writer, Parse parse)
+{
+    if (typeid(leaf) == own && !(leaf.flags() & (Configurable::LOCKED | Configurable::READ_BLOCKED))) {
+        if (const auto value = parse(text.data(), text.data() + text.size())) {
+            if (!leaf._is_prepared())
+                leaf._prepare_to_read();
+            leaf.set(*value);
+            return true;
+        }
+    }
+    return leaf.Configurable::_read(text, writer);
+}
+
+template <class T>
+std::optional<T> text_number(const char* start, const char* end)
+{
+    T value;
+    if (plain_number(start, end, value))
+        return value;
+    return std::nullopt;
 }
 
 // `out << text` or `out.write(...)` for a good stream with nothing tied, no field width and no
@@ -324,6 +365,13 @@ void ConfigurableReal<T>::read(std::istream& in, std::ostream& err)
 }
 
 template <class T>
+bool ConfigurableReal<T>::_read(const std::string& text, XMLWriter& writer)
+{
+    using Own = std::conditional_t<std::is_same_v<T, float>, ConfigurableFloat, ConfigurableDouble>;
+    return read_text(*this, typeid(Own), text, writer, text_number<T>);
+}
+
+template <class T>
 void ConfigurableReal<T>::write(std::ostream& out) const
 {
     if (!write_plain_number(out, _value))
@@ -377,6 +425,11 @@ void ConfigurableInteger::read(std::istream& in, std::ostream& err)
         set(value);
     else
         err << "unable to read integer";
+}
+
+bool ConfigurableInteger::_read(const std::string& text, XMLWriter& writer)
+{
+    return read_text(*this, typeid(ConfigurableInteger), text, writer, text_number<int64_t>);
 }
 
 void ConfigurableInteger::write(std::ostream& out) const
@@ -454,6 +507,14 @@ void ConfigurableBool::read(std::istream& in, std::ostream& err)
         err << "invalid bool";
 }
 
+bool ConfigurableBool::_read(const std::string& text, XMLWriter& writer)
+{
+    return read_text(*this, typeid(ConfigurableBool), text, writer, [](const char* start, const char* end) {
+        const std::string_view word = plain_word(start, end);
+        return word == "true" ? std::optional(true) : word == "false" ? std::optional(false) : std::nullopt;
+    });
+}
+
 void ConfigurableBool::write(std::ostream& out) const
 {
     if (!put_plain(out, _value ? "true" : "false", _value ? 4 : 5))
@@ -487,6 +548,13 @@ void ConfigurableString::read(std::istream& in, std::ostream& err)
         set(text);
     else
         err << "unable to read string\n";
+}
+
+bool ConfigurableString::_read(const std::string& text, XMLWriter& writer)
+{
+    return read_text(*this, typeid(ConfigurableString), text, writer, [&text](const char* start, const char* end) {
+        return plain_rest(start, end) ? &text : nullptr;
+    });
 }
 
 void ConfigurableString::write(std::ostream& out) const
@@ -695,6 +763,19 @@ void ConfigurableMultipleChoice::read(std::istream& in, std::ostream& err)
         }
     }
     err << "invalid option: " << text << '\n';
+}
+
+bool ConfigurableMultipleChoice::_read(const std::string& text, XMLWriter& writer)
+{
+    return read_text(*this, typeid(ConfigurableMultipleChoice), text, writer, [this](const char* start, const char* end) {
+        const std::string_view rest(start, size_t(end - start));
+        std::optional<int> index;
+        if (plain_rest(start, end))
+            for (size_t i = 0; i < _choices->size() && !index; ++i)
+                if ((*_choices)[i] == rest)
+                    index = int(i);
+        return index;
+    });
 }
 
 const std::string& ConfigurableMultipleChoice::get_string() const

@@ -35,6 +35,8 @@ public:
 
     void set_to_default() override { set(_default); }
     void read(std::istream& in, std::ostream& err) override;
+    /// Plain text is read without a stream when the leaf is of this class itself.
+    bool _read(const std::string& text, XMLWriter& writer) override;
     void write(std::ostream& out) const override;
     void write_doctype(std::ostream& out) const override;
 
@@ -70,6 +72,8 @@ public:
 
     void set_to_default() override { set(_default); }
     void read(std::istream& in, std::ostream& err) override;
+    /// Plain text is read without a stream when the leaf is of this class itself.
+    bool _read(const std::string& text, XMLWriter& writer) override;
     void write(std::ostream& out) const override;
     void write_doctype(std::ostream& out) const override;
     void do_accept(ConfigurableVisitor& v) override { v.VisitConfigurableInteger(*this); }
@@ -94,6 +98,8 @@ public:
 
     void set_to_default() override { set(_default); }
     void read(std::istream& in, std::ostream& err) override;
+    /// Plain text is read without a stream when the leaf is of this class itself.
+    bool _read(const std::string& text, XMLWriter& writer) override;
     void write(std::ostream& out) const override;
     void write_doctype(std::ostream& out) const override;
     void do_accept(ConfigurableVisitor& v) override { v.VisitConfigurableBool(*this); }
@@ -113,6 +119,8 @@ public:
 
     void set_to_default() override { set(_default); }
     void read(std::istream& in, std::ostream& err) override;
+    /// Plain text is read without a stream when the leaf is of this class itself.
+    bool _read(const std::string& text, XMLWriter& writer) override;
     void write(std::ostream& out) const override;
     void write_doctype(std::ostream& out) const override;
     void do_accept(ConfigurableVisitor& v) override { v.VisitConfigurableString(*this); }
@@ -206,6 +214,8 @@ public:
 
     void set_to_default() override { set(_default); }
     void read(std::istream& in, std::ostream& err) override;
+    /// Plain text is read without a stream when the leaf is of this class itself.
+    bool _read(const std::string& text, XMLWriter& writer) override;
     void write(std::ostream& out) const override;
     void write_doctype(std::ostream& out) const override;
     void do_accept(ConfigurableVisitor& v) override { v.VisitConfigurableMultipleChoice(*this); }
