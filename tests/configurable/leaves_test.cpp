@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "test_tree.h"
 #include "xml/xml_writer.h"
@@ -67,6 +68,32 @@ TEST(Leaves, MessageReadsAgreeWithStreamReads)
         EXPECT_EQ(d1.get(), d2.get()) << text;
         EXPECT_EQ(s1.get(), s2.get()) << text;
         EXPECT_EQ(c1.get(), c2.get()) << text;
+    }
+}
+
+// Short decimals take a fast path of their own; it must round every one as the stream does.
+TEST(Leaves, ShortDecimalsRoundAsTheStreamRounds)
+{
+    std::mt19937 random(7);
+    for (int n = 0; n < 20000; ++n) {
+        std::string text = random() % 2 ? "-" : "";
+        text += std::to_string(random() % 100000000 >> random() % 27);
+        if (const int fraction = int(random() % 13); fraction > 0) {
+            text += '.';
+            for (int i = 0; i < fraction; ++i)
+                text += char('0' + random() % 10);
+        }
+        ConfigurableFloat f1("f", 1), f2("f", 1);
+        ConfigurableDouble d1("d", 1), d2("d", 1);
+        std::ostringstream reply;
+        XMLWriter writer(reply, false);
+        f1._read(text, writer);
+        d1._read(text, writer);
+        read_into(f2, text);
+        read_into(d2, text);
+        ASSERT_EQ(f1.get(), f2.get()) << text;
+        ASSERT_EQ(d1.get(), d2.get()) << text;
+        ASSERT_EQ(std::signbit(f1.get()), std::signbit(f2.get())) << text;
     }
 }
 
