@@ -129,6 +129,10 @@ private:
             std::memcpy(&tail, from + n - 4, 4);
             std::memcpy(to, &head, 4);
             std::memcpy(to + n - 4, &tail, 4);
+        } else if (n > 0 && n < 4) {
+            to[0] = from[0];
+            to[n / 2] = from[n / 2];
+            to[n - 1] = from[n - 1];
         } else {
             text.copy(to, n);
         }
