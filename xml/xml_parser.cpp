@@ -1,7 +1,6 @@
 #include "xml/xml_parser.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "xml/xml_reader.h"
 
@@ -139,7 +138,6 @@ XMLParser::~XMLParser() = default;
 void XMLParser::_new_block()
 {
     auto* block = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
-    std::uninitialized_default_construct_n(block, BLOCK);
     _blocks.push_back(block);
     _block_next = block;
     _block_end = block + BLOCK;

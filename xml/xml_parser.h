@@ -5,6 +5,7 @@
 #include <cstring>
 #include <istream>
 #include <memory_resource>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -91,7 +92,7 @@ private:
         if (_block_next == _block_end)
             _new_block();
         ++_size;
-        return *_block_next++;
+        return *new (_block_next++) TokenInfo;
     }
     void _new_block();
     // Appends the next token of the stream.
