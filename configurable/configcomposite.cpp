@@ -1,6 +1,7 @@
 #include "configurable/configcomposite.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "xml/xml_parser.h"
@@ -8,17 +9,22 @@
 
 namespace {
 
-// Sibling names mostly differ in their last byte ("leaf1", "leaf2"): look there before comparing all,
-// byte by byte, since names are too short to pay for a call to memcmp.
+// Names are too short to pay for a call to memcmp: they are compared in at most two overlapping
+// words, the end first, since sibling names mostly differ there ("leaf1", "leaf2").
 bool same_name(const std::string& a, const std::string& b)
 {
     const std::size_t n = a.size();
-    if (n != b.size() || (n != 0 && a[n - 1] != b[n - 1]))
+    if (n != b.size())
         return false;
-    for (std::size_t i = 0; i + 1 < n; ++i)
-        if (a[i] != b[i])
-            return false;
-    return true;
+    const char* p = a.data();
+    const char* q = b.data();
+    if (n >= 8 && n <= 16)
+        return std::memcmp(p + n - 8, q + n - 8, 8) == 0 && std::memcmp(p, q, 8) == 0;
+    if (n >= 4 && n < 8)
+        return std::memcmp(p + n - 4, q + n - 4, 4) == 0 && std::memcmp(p, q, 4) == 0;
+    if (n < 4)
+        return std::equal(p, p + n, q);
+    return std::memcmp(p, q, n) == 0;
 }
 
 }  // namespace
@@ -42,19 +48,17 @@ Configurable* ConfigurableComposite::lookup(const std::string& name) const
     return it == _children.end() ? nullptr : *it;
 }
 
-bool ConfigurableComposite::_has_unique_names() const
+bool ConfigurableComposite::_find_unique_names() const
 {
-    if (_unique_names == UNKNOWN) {
-        std::vector<const std::string*> names;
-        names.reserve(_children.size());
-        for (const Configurable* c : _children)
-            names.push_back(&c->name());
-        std::sort(names.begin(), names.end(), [](auto a, auto b) { return *a < *b; });
-        const bool unique =
-            std::adjacent_find(names.begin(), names.end(), [](auto a, auto b) { return *a == *b; }) == names.end();
-        _unique_names = unique ? UNIQUE : SHARED;
-    }
-    return _unique_names == UNIQUE;
+    std::vector<const std::string*> names;
+    names.reserve(_children.size());
+    for (const Configurable* c : _children)
+        names.push_back(&c->name());
+    std::sort(names.begin(), names.end(), [](auto a, auto b) { return *a < *b; });
+    const bool unique =
+        std::adjacent_find(names.begin(), names.end(), [](auto a, auto b) { return *a == *b; }) == names.end();
+    _unique_names = unique ? UNIQUE : SHARED;
+    return unique;
 }
 
 ConfigurableComposite::Children::const_iterator ConfigurableComposite::lookup_first(const std::string& name) const

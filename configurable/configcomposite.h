@@ -55,7 +55,8 @@ private:
     enum : int8_t { UNKNOWN = -1, SHARED = 0, UNIQUE = 1 };
     mutable int8_t _unique_names = UNKNOWN;
     mutable Children::const_iterator _hint = _children.end();
-    bool _has_unique_names() const;
+    bool _has_unique_names() const { return _unique_names == UNKNOWN ? _find_unique_names() : _unique_names == UNIQUE; }
+    bool _find_unique_names() const;
 };
 
 /// A list of like children created by incoming XML and owned by the list. Every message that
