@@ -182,9 +182,9 @@ void XMLParser::RecoverFromError()
 
 const XMLParser::TokenInfo& XMLParser::_read_token()
 {
-    TokenInfo& tok = _append();
     _in.start();
-    if (!_failed(tok)) {
+    const TokenInfo* tok = nullptr;
+    if (!_in.failed()) {
         _in.skip_ws();
         bool closed;
         std::string_view text, value;
@@ -192,22 +192,31 @@ const XMLParser::TokenInfo& XMLParser::_read_token()
         if (closed)
             _start_tag_open = false;
         switch (s) {
-        case XMLCharReader::START_TAG: _start_element(tok, text); break;
-        case XMLCharReader::END_TAG: tok = {END_ELEMENT, _keep(text), {}}; break;
-        case XMLCharReader::TEXT: tok = {STRING, _keep(text), {}}; break;
-        case XMLCharReader::ATTRIBUTE: tok = {ATTRIBUTE, _keep(text), {}}; break;
-        case XMLCharReader::PAIR: tok = {ATTRIBUTE_VALUE_PAIR, _keep(text), _keep(value)}; break;
-        case XMLCharReader::NONE:
-            // The rest goes byte by byte.
-            if (_start_tag_open)
-                _read_inside_tag(tok);
-            else
-                _read_outside_tag(tok);
+        case XMLCharReader::START_TAG:
+            tok = &_append(START_ELEMENT, _keep(text));
+            _open_element = tok->text;
+            _start_tag_open = true;
             break;
+        case XMLCharReader::END_TAG: tok = &_append(END_ELEMENT, _keep(text)); break;
+        case XMLCharReader::TEXT: tok = &_append(STRING, _keep(text)); break;
+        case XMLCharReader::ATTRIBUTE: tok = &_append(ATTRIBUTE, _keep(text)); break;
+        case XMLCharReader::PAIR: tok = &_append(ATTRIBUTE_VALUE_PAIR, _keep(text), _keep(value)); break;
+        case XMLCharReader::NONE: break;
         }
     }
+    if (!tok) {
+        // The rest goes byte by byte.
+        TokenInfo& slow = _append();
+        if (!_failed(slow)) {
+            if (_start_tag_open)
+                _read_inside_tag(slow);
+            else
+                _read_outside_tag(slow);
+        }
+        tok = &slow;
+    }
     _in.finish();
-    return tok;
+    return *tok;
 }
 
 void XMLParser::_start_element(TokenInfo& tok, std::string_view name)

@@ -86,13 +86,13 @@ private:
         }
         return _tok->type;
     }
-    // A new last token in the history, of type ERROR with empty texts.
-    TokenInfo& _append()
+    // A new last token in the history; by default of type ERROR with empty texts.
+    TokenInfo& _append(TokenType type = ERROR, std::string_view text = {}, std::string_view value = {})
     {
         if (_block_next == _block_end)
             _new_block();
         ++_size;
-        return *new (_block_next++) TokenInfo;
+        return *new (_block_next++) TokenInfo{type, text, value};
     }
     void _new_block();
     // Appends the next token of the stream.
