@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-#include "bench/with_sum.h"
+#include "sim/data_line.h"
 #include "link/connector.h"
 
 namespace {

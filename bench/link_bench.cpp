@@ -10,7 +10,7 @@
 #include <string>
 
 #include "bench/ratio.h"
-#include "bench/with_sum.h"
+#include "sim/data_line.h"
 #include "link/connector.h"
 #include "link/delimparser.h"
 

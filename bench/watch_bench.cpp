@@ -18,7 +18,7 @@
 
 #include "bench/application.h"
 #include "bench/ratio.h"
-#include "bench/with_sum.h"
+#include "sim/data_line.h"
 #include "watch/plotdialog.h"
 #include "watch/watchtolvandialog.h"
 

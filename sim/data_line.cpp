@@ -23,11 +23,15 @@ DataLine& DataLine::AddFixed(double value, int decimals)
 
 std::string DataLine::Checked() const
 {
-    std::string line = _text + '\t';
+    return with_sum(_text + '\t');
+}
+
+std::string with_sum(const std::string& body)
+{
     unsigned sum = 0;
-    for (unsigned char c : line)
+    for (unsigned char c : body)
         sum += c;
     char digits[4];
     std::snprintf(digits, sizeof digits, "%03u", sum & 0xffu);
-    return line + digits + '\n';
+    return body + digits + '\n';
 }

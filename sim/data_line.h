@@ -23,3 +23,7 @@ public:
 private:
     std::string _text;
 };
+
+/// `body` followed by its 8-bit sum as three decimal digits and a line feed: the sum is that of
+/// every byte of `body`, which for a data record ends with the tab before the digits.
+std::string with_sum(const std::string& body);

@@ -4,17 +4,7 @@
 #include <string>
 
 #include "link/connector.h"
-
-/// The line with its 8-bit sum appended as three digits and a line feed.
-inline std::string with_sum(const std::string& body)
-{
-    unsigned sum = 0;
-    for (unsigned char c : body)
-        sum += c;
-    char digits[4];
-    std::snprintf(digits, sizeof digits, "%03u", sum & 0xff);
-    return body + digits + "\n";
-}
+#include "sim/data_line.h"  // with_sum: lines with good sums
 
 /// Writes every call as one word into a shared log: "name:Data:DATA".
 class RecordingListener : public Connector::Listener {
