@@ -20,13 +20,21 @@
 
 namespace {
 
+// A watch window of type W on the simulator `sim`, connected and shown.
+template <class W>
+QPointer<W> open_window(const SimProcess& sim, const char* name, const char* model)
+{
+    QPointer<W> window = new W(nullptr, name, model);
+    window->Connect("127.0.0.1", 0, sim.port);
+    window->show();
+    return window;
+}
+
 TEST(WatchTools, EveryToolButtonOpensItsOneWorkingWindow)
 {
     SimProcess sim({"--model", "tolvan", "--name", "tools-sim"});
     ASSERT_TRUE(sim.WaitListening());
-    QPointer<WatchTolvanDialog> window = new WatchTolvanDialog(nullptr, "tools-sim", "tolvan");
-    window->Connect("127.0.0.1", 0, sim.port);
-    window->show();
+    QPointer<WatchTolvanDialog> window = open_window<WatchTolvanDialog>(sim, "tools-sim", "tolvan");
     Connector& connector = window->GetConnector();
     ASSERT_TRUE(QTest::qWaitFor([&] { return connector.Doc_Tolvan().Conf().Name().get() == "tools-sim"; }, TIMEOUT_MS));
     const std::pair<const char*, const char*> tools[] = {
@@ -77,9 +85,7 @@ TEST(WatchCalibration, DravikZerosAddHistoryRowsAndOldOnesClearOnTheInstrument)
 {
     SimProcess sim({"--model", "dravik", "--name", "cal-head"});
     ASSERT_TRUE(sim.WaitListening());
-    QPointer<WatchDravikDialog> window = new WatchDravikDialog(nullptr, "cal-head", "dravik");
-    window->Connect("127.0.0.1", 0, sim.port);
-    window->show();
+    QPointer<WatchDravikDialog> window = open_window<WatchDravikDialog>(sim, "cal-head", "dravik");
     Connector& link = window->GetConnector();
     ASSERT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric("cal-head:DATA:TIME") > 0; }, TIMEOUT_MS));
     find_button(*window, "Cal...")->click();
@@ -115,9 +121,7 @@ TEST(HaldenFromSim, ZeroAddsAHistoryRowAndRawCapturesArriveByteForByte)
 {
     SimProcess sim({"--model", "halden", "--name", "cal-fluor"});
     ASSERT_TRUE(sim.WaitListening());
-    QPointer<WatchHaldenDialog> window = new WatchHaldenDialog(nullptr, "cal-fluor", "halden");
-    window->Connect("127.0.0.1", 0, sim.port);
-    window->show();
+    QPointer<WatchHaldenDialog> window = open_window<WatchHaldenDialog>(sim, "cal-fluor", "halden");
     ASSERT_TRUE(QTest::qWaitFor([&] { return window->GetConnector().VarNumeric("cal-fluor:DATA:TIME") > 0; }, TIMEOUT_MS));
     find_button(*window, "Cal...")->click();
     QDialog* cal = shown_dialog(*window, "Calibration Control Panel: cal-fluor");
