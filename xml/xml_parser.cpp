@@ -133,8 +133,6 @@ XMLParser::XMLParser(std::istream& is) : _is(is)
     _go(0);
 }
 
-XMLParser::~XMLParser() = default;
-
 void XMLParser::_new_block()
 {
     auto* block = static_cast<TokenInfo*>(_arena.allocate(BLOCK * sizeof(TokenInfo), alignof(TokenInfo)));
@@ -194,8 +192,7 @@ const XMLParser::TokenInfo& XMLParser::_read_token()
         switch (s) {
         case XMLCharReader::START_TAG:
             tok = &_append(START_ELEMENT, _keep(text));
-            _open_element = tok->text;
-            _start_tag_open = true;
+            _start_element(*tok);
             break;
         case XMLCharReader::END_TAG: tok = &_append(END_ELEMENT, _keep(text)); break;
         case XMLCharReader::TEXT: tok = &_append(STRING, _keep(text)); break;
@@ -217,15 +214,6 @@ const XMLParser::TokenInfo& XMLParser::_read_token()
     }
     _in.finish();
     return *tok;
-}
-
-void XMLParser::_start_element(TokenInfo& tok, std::string_view name)
-{
-    const std::string_view kept = _keep(name);
-    tok.type = START_ELEMENT;
-    tok.text = kept;
-    _open_element = kept;
-    _start_tag_open = true;
 }
 
 bool XMLParser::_failed(TokenInfo& tok) const
@@ -287,10 +275,12 @@ void XMLParser::_read_outside_tag(TokenInfo& tok)
             in.read_name(_scratch);
             if (_failed(tok))
                 return;
-            if (_scratch.empty())
+            if (_scratch.empty()) {
                 _error(tok, "Empty XML tag name");
-            else
-                _start_element(tok, _scratch);
+            } else {
+                tok = {START_ELEMENT, _keep(_scratch), {}};
+                _start_element(tok);
+            }
         } else {
             in.read_name(_scratch);
             c = in.get();

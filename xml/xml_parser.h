@@ -36,7 +36,6 @@ public:
 
     // The stream's state bits belong to the parser from now on.
     explicit XMLParser(std::istream& is);
-    ~XMLParser();
     XMLParser(const XMLParser&) = delete;
     XMLParser& operator=(const XMLParser&) = delete;
 
@@ -101,7 +100,12 @@ private:
     void _read_inside_tag(TokenInfo& tok);
     bool _failed(TokenInfo& tok) const;
     void _error(TokenInfo& tok, const char* message);
-    void _start_element(TokenInfo& tok, std::string_view name);
+    // The start tag of `tok` is now the open one.
+    void _start_element(const TokenInfo& tok)
+    {
+        _open_element = tok.text;
+        _start_tag_open = true;
+    }
     // A copy of `text` that lives as long as the parser.
     std::string_view _keep(std::string_view text)
     {
