@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/namedinstrument.h"
+#include "link/namedinstrument.h"
 
 /// The outcome of reading the command line.
 struct CommandLine {

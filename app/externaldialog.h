@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "app/configdoc.h"
+#include "link/configdoc.h"
 
 class ExternalTextEdit;
 class QKeyEvent;

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "app/configdoc.h"
+#include "link/configdoc.h"
 #include "app/instinfo.h"
-#include "app/namedinstrument.h"
+#include "link/namedinstrument.h"
 #include "discovery/bonjourclient.h"
 
 class QLabel;

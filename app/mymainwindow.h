@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/namedinstrument.h"
+#include "link/namedinstrument.h"
 
 class QCloseEvent;
 

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "app/configdoc.h"
+#include "link/configdoc.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

@@ -1,11 +1,13 @@
 #pragma once
 // Instruments named by hand, for sites whose instruments DNS-SD cannot reach (behind a router or
 // a VPN): "--instrument NAME=MODEL@ADDRESS[:PORT]" on the command line, and the description
-// file's <instruments> element. The panel lists them as if they had been announced.
+// file's <instruments> element. Every program reads them here; the panel lists them as if they
+// had been announced.
 
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "foundation/socketaddress.h"
 
@@ -31,8 +33,12 @@ struct NamedInstrument {
     /// From "NAME=MODEL@ADDRESS[:PORT]", an IPv6 address in brackets: "lab=tolvan@[fe80::1%eth0]".
     static NamedInstrument Parse(const std::string& entry);
 
-    /// The service type an instrument of the model announces: "_arvex-tolvan._tcp".
-    std::string ServiceType() const;
+    /// Every model word, in the order of the list above.
+    static std::vector<std::string> Models();
+    /// The service type an instrument of `model` announces: "_arvex-tolvan._tcp".
+    static std::string ServiceTypeOf(const std::string& model);
+    /// The service type of this instrument's model.
+    std::string ServiceType() const { return ServiceTypeOf(model); }
     /// The TXT record an instrument of the model announces: its "model" label, which the panel's
     /// buttons look for ("Tolvan"; "Pelsen" for a Morvik or a Sarnel).
     std::map<std::string, std::string> Txt() const;

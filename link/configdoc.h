@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "app/namedinstrument.h"
+#include "link/namedinstrument.h"
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
 

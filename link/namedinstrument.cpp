@@ -1,4 +1,4 @@
-#include "app/namedinstrument.h"
+#include "link/namedinstrument.h"
 
 #include <net/if.h>
 
@@ -96,7 +96,15 @@ NamedInstrument NamedInstrument::Parse(const std::string& entry)
                 rest.empty() ? "" : rest.substr(1));
 }
 
-std::string NamedInstrument::ServiceType() const
+std::vector<std::string> NamedInstrument::Models()
+{
+    std::vector<std::string> words;
+    for (const Model& model : kModels)
+        words.push_back(model.word);
+    return words;
+}
+
+std::string NamedInstrument::ServiceTypeOf(const std::string& model)
 {
     return "_arvex-" + model + "._tcp";
 }

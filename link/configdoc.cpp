@@ -1,4 +1,4 @@
-#include "app/configdoc.h"
+#include "link/configdoc.h"
 
 #include <json/json.h>
 
