@@ -525,6 +525,16 @@ void Connector::Disconnect()
     _connected_to.clear();
 }
 
+bool Connector::IsConnected() const
+{
+    return _socket->state() == QAbstractSocket::ConnectedState;
+}
+
+bool Connector::IsIdle() const
+{
+    return _socket->state() == QAbstractSocket::UnconnectedState;
+}
+
 void Connector::_Write(const std::string& text)
 {
     _socket->write(text.data(), qint64(text.size()));
@@ -563,12 +573,16 @@ void Connector::OnSocketError(QAbstractSocket::SocketError error)
         text = "Network error while trying to connect to:" + QString::fromStdString(_host);
         break;
     default:
+        if (!_dial_failures_shown)
+            return;
         message_box()(_parent, title,
                       QString("The following error occurred: %1. (%2)").arg(_socket->errorString()).arg(int(error)));
         return;
     }
-    if (_connect_queue.empty())
-        message_box()(_parent, title, text);
+    if (_connect_queue.empty()) {
+        if (_dial_failures_shown)
+            message_box()(_parent, title, text);
+    }
     else
         _TryConnect();
 }

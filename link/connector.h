@@ -94,6 +94,13 @@ public:
     /// next queued target; there is no reconnection.
     void Connect(const std::string& address, int scope, int port);
     void Disconnect();
+    /// The link is up: connected and not yet lost.
+    bool IsConnected() const;
+    /// Neither connected nor dialing.
+    bool IsIdle() const;
+    /// Whether a failed dial is shown in a message box (the default) or passes silently, as while
+    /// a Redialer keeps trying.
+    void SetDialFailuresShown(bool shown) { _dial_failures_shown = shown; }
     /// The address last dialled, "169.254.1.2:4410" or "fe80::1%4:4410"; empty after Disconnect.
     const std::string& ConnectedTo() const { return _connected_to; }
     const std::string& Host() const { return _host; }
@@ -214,6 +221,7 @@ private:
     std::ofstream _log_file;
     LogDialog* _log_dialog = nullptr;
     bool _log_continuous = true;
+    bool _dial_failures_shown = true;
     std::map<std::string, std::string> _last_data_lines;
 
     std::map<std::string, RecordKind> _record_kinds;

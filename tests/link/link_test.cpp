@@ -14,6 +14,7 @@
 
 #include "link/connectortype.h"
 #include "link/logdialog.h"
+#include "link/redialer.h"
 #include "link_test_util.h"
 #include "tests/service/wire.h"
 
@@ -389,6 +390,46 @@ TEST(Socket, QueueFallsThroughTheLastRefusalIsShownOnceAndDisconnectForgetsIt)
     QSignalSpy disconnected(connector.get(), &Connector::Disconnected);
     EXPECT_TRUE(disconnected.count() > 0 || disconnected.wait(WIRE_TIMEOUT_MS));
     EXPECT_EQ(connector->ConnectedTo(), "");  // a queued target would be dialled on this signal
+}
+
+// A redialer keeps trying, silently, while the instrument is away, and is back as soon as it
+// listens again on the same port; the waits between tries follow the back-off.
+TEST(Socket, RedialerBringsALostLinkBack)
+{
+    std::vector<double> waits;
+    Backoff backoff;
+    for (int i = 0; i < 7; ++i)
+        waits.push_back(backoff.Next());
+    EXPECT_EQ(waits, (std::vector<double>{1, 2, 4, 8, 16, 30, 30}));
+    backoff.Reset();
+    EXPECT_EQ(backoff.Next(), 1);
+
+    int boxes = 0;
+    Connector::SetMessageBox([&](QWidget*, const QString&, const QString&) { ++boxes; });
+    auto connector = Connector::Factory(nullptr, "redial-host", "tolvan");
+    QSignalSpy connected(connector.get(), &Connector::Connected);
+    QSignalSpy disconnected(connector.get(), &Connector::Disconnected);
+    Redialer redialer(*connector);
+    auto instrument = std::make_unique<Instrument>();
+    const quint16 port = instrument->server.serverPort();
+    instrument->server.close();  // away at the start: the first dial is refused
+    redialer.Dial("127.0.0.1", 0, port);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return redialer.NextAttemptIn() >= 0 && connector->IsIdle(); }, WIRE_TIMEOUT_MS));
+    ASSERT_TRUE(instrument->server.listen(QHostAddress::LocalHost, port));
+    ASSERT_TRUE(instrument->Accept());
+    ASSERT_TRUE(connected.count() > 0 || connected.wait(WIRE_TIMEOUT_MS));
+    EXPECT_LT(redialer.NextAttemptIn(), 0);
+
+    instrument = std::make_unique<Instrument>();  // the old one's socket closes: the link is lost
+    ASSERT_TRUE(disconnected.count() > 0 || disconnected.wait(WIRE_TIMEOUT_MS));
+    EXPECT_FALSE(connector->IsConnected());
+    EXPECT_GT(redialer.NextAttemptIn(), 0);
+    instrument->server.close();
+    ASSERT_TRUE(instrument->server.listen(QHostAddress::LocalHost, port));
+    ASSERT_TRUE(instrument->Accept());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return connected.count() == 2; }, WIRE_TIMEOUT_MS));
+    EXPECT_EQ(boxes, 0);
+    Connector::SetMessageBox(nullptr);
 }
 
 // --- the per-model types: their words, record times and the messages that select records ---
