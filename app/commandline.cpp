@@ -25,11 +25,6 @@ const Option kOptions[] = {
      &CommandLine::instrument_entries},
 };
 
-QCommandLineOption make_option(const Option& option)
-{
-    return QCommandLineOption(option.name, option.description, option.value_name);
-}
-
 // A parser that knows the options, --help and --version and the positional form.
 void describe(QCommandLineParser& parser)
 {
@@ -39,7 +34,7 @@ void describe(QCommandLineParser& parser)
     parser.addHelpOption();
     parser.addVersionOption();
     for (const Option& option : kOptions)
-        parser.addOption(make_option(option));
+        parser.addOption(QCommandLineOption(option.name, option.description, option.value_name));
     parser.addPositionalArgument("cal", "The word cal and the instrument's service name.", "[cal NAME [ADDRESS PORT]]");
 }
 
@@ -61,16 +56,15 @@ std::vector<std::string> read_options(const std::vector<std::string>& args, Comm
     describe(parser);
     const bool ok = parser.parse(to_qt(args));
     for (const Option& option : kOptions) {
-        const QCommandLineOption qt_option = make_option(option);
         std::visit(
             [&](auto field) {
                 using Value = std::remove_reference_t<decltype(result.*field)>;
                 if constexpr (std::is_same_v<Value, bool>) {
-                    result.*field = parser.isSet(qt_option);
+                    result.*field = parser.isSet(option.name);
                 } else if constexpr (std::is_same_v<Value, std::string>) {
-                    result.*field = parser.value(qt_option).toStdString();
+                    result.*field = parser.value(option.name).toStdString();
                 } else {
-                    for (const QString& value : parser.values(qt_option))
+                    for (const QString& value : parser.values(option.name))
                         (result.*field).push_back(value.toStdString());
                 }
             },
