@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <variant>
 
+#include "app/myframe.h"
+
 namespace {
 
 // The options. Adding one is a row here and a field in CommandLine: a bool field makes a flag,
@@ -120,5 +122,7 @@ void AnswerHelpOrVersion(int argc, char* argv[], const char* version)
     // Help needs an application for the program's name, not the window system a QApplication wants.
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(version);
+    parser.setApplicationDescription(parser.applicationDescription() + "\n\nDescription file: " +
+                                     QString::fromStdString(MyFrame::DescriptionFilePath()));
     parser.process(application);
 }

@@ -38,6 +38,7 @@ struct CommandLine {
 CommandLine ParseCommandLine(const std::vector<std::string>& args);
 
 /// "--help", "--help-all" and "--version": prints the answer on standard output and ends the
-/// process with status 0, as Qt programs do, without needing a display. Returns when none of
-/// them is given. `version` is the program's version.
+/// process with status 0, as Qt programs do, without needing a display. The help names the
+/// description file the program reads. Returns when none of them is given. `version` is the
+/// program's version.
 void AnswerHelpOrVersion(int argc, char* argv[], const char* version);

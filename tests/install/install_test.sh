@@ -6,7 +6,7 @@
 set -eu
 cmake=$1
 build=$2
-prefix=$(mktemp -d)
+prefix=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$prefix"' EXIT
 "$cmake" --install "$build" --prefix "$prefix" >/dev/null
 
@@ -27,9 +27,12 @@ for file in $expected; do
 done
 for program in $programs; do
     [ -x "$prefix/bin/$program" ] || continue
-    version=$(env -u DISPLAY -u WAYLAND_DISPLAY "$prefix/bin/$program" --version) || { echo "$program --version failed"; status=1; }
+    version=$(env -u DISPLAY "$prefix/bin/$program" --version) || { echo "$program --version failed"; status=1; }
     echo "$version" | grep -qx "$program [0-9][0-9.]*" || { echo "$program --version said: $version"; status=1; }
 done
+# The installed program reads the installed description file.
+env -u DISPLAY "$prefix/bin/sondar" --help | grep -qx "Description file: $prefix/share/sondar/sondar.xml" ||
+    { echo "sondar --help names another description file"; status=1; }
 [ -x "$prefix/share/sondar/cmd_demo_update" ] || { echo "cmd_demo_update is not executable"; status=1; }
 desktop-file-validate "$prefix/share/applications/com.arvex.sondar.desktop" || status=1
 appstreamcli validate --no-net --pedantic "$prefix/share/metainfo/com.arvex.sondar.metainfo.xml" >/dev/null || status=1
