@@ -14,7 +14,7 @@ programs=$(cat "$build/dist/programs.txt")
 expected="share/sondar/sondar.xml share/sondar/sondar.license share/sondar/cmd_demo_update
 share/applications/com.arvex.sondar.desktop share/metainfo/com.arvex.sondar.metainfo.xml
 share/icons/hicolor/scalable/apps/sondar.svg share/icons/hicolor/48x48/apps/sondar.png
-share/icons/hicolor/256x256/apps/sondar.png"
+share/icons/hicolor/256x256/apps/sondar.png share/doc/sondar/copyright"
 for program in $programs; do
     expected="$expected bin/$program share/man/man1/$program.1.gz"
     [ "$program" = sondar-logd ] && expected="$expected lib/systemd/system/sondar-logd.service etc/default/sondar-logd"
