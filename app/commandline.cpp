@@ -124,5 +124,11 @@ void AnswerHelpOrVersion(int argc, char* argv[], const char* version)
     QCoreApplication::setApplicationVersion(version);
     parser.setApplicationDescription(parser.applicationDescription() + "\n\nDescription file: " +
                                      QString::fromStdString(MyFrame::DescriptionFilePath()));
+    // Direct answers, so that the options of QApplication that this parser does not know stay
+    // harmless; only --help-all, which lists Qt's options, goes through process().
+    if (parser.isSet("version"))
+        parser.showVersion();
+    if (parser.isSet("help"))
+        parser.showHelp();
     parser.process(application);
 }
