@@ -17,7 +17,9 @@ share/icons/hicolor/scalable/apps/sondar.svg share/icons/hicolor/48x48/apps/sond
 share/icons/hicolor/256x256/apps/sondar.png share/doc/sondar/copyright"
 for program in $programs; do
     expected="$expected bin/$program share/man/man1/$program.1.gz"
-    [ "$program" = sondar-logd ] && expected="$expected lib/systemd/system/sondar-logd.service etc/default/sondar-logd"
+    if [ "$program" = sondar-logd ]; then
+        expected="$expected lib/systemd/system/sondar-logd.service etc/default/sondar-logd"
+    fi
 done
 echo "$programs" | grep -qx sondar || { echo "sondar is not among the programs: $programs"; exit 1; }
 
