@@ -97,7 +97,8 @@ std::string ChartCsv(const std::vector<ChartSeries>& series, double from, double
         fields.push_back(variable.name);
     std::string text = CsvLine(fields);
     for (const auto& [key, cells] : rows) {
-        fields = {CsvNumber(key.first - *newest), CsvNumber(key.first)};
+        // To the microsecond: the difference of two large record times carries noise beyond it.
+        fields = {CsvNumber(std::round((key.first - *newest) * 1e6) / 1e6), CsvNumber(key.first)};
         for (const std::optional<double>& cell : cells)
             fields.push_back(cell ? CsvNumber(*cell) : "");
         text += CsvLine(fields);

@@ -26,7 +26,7 @@ struct ChartSeries {
 
 /// The chart as CSV. The header reads "Seconds Before Newest", "Record Time" and the variables'
 /// names; below it one line per record time, oldest first: the time less the newest time of all
-/// the variables, the record time, and each variable's value, or an empty cell where it has no
+/// the variables (to the microsecond), the record time, and each variable's value, or an empty cell where it has no
 /// sample at that time. A variable with several samples at one time (a record that repeats the
 /// time of the one before) gets a line for each, so that nothing is lost.
 ///

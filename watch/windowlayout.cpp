@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 
@@ -117,14 +118,46 @@ WatchLayout read_window(const Json::Value& value, const std::string& where)
     return window;
 }
 
-Json::Value geometry_json(const WindowGeometry& geometry)
+Json::Value object(std::initializer_list<std::pair<const char*, Json::Value>> members)
 {
     Json::Value value(Json::objectValue);
-    value["x"] = geometry.x;
-    value["y"] = geometry.y;
-    value["width"] = geometry.width;
-    value["height"] = geometry.height;
+    for (const auto& [key, member] : members)
+        value[key] = member;
     return value;
+}
+
+template <class Item, class ToJson>
+Json::Value array(const std::vector<Item>& items, ToJson to_json)
+{
+    Json::Value value(Json::arrayValue);
+    for (const Item& item : items)
+        value.append(to_json(item));
+    return value;
+}
+
+Json::Value geometry_json(const WindowGeometry& g)
+{
+    return object({{"x", g.x}, {"y", g.y}, {"width", g.width}, {"height", g.height}});
+}
+
+Json::Value chart_json(const ChartLayout& chart)
+{
+    return object({{"title", chart.title},
+                   {"width", chart.width},
+                   {"geometry", geometry_json(chart.geometry)},
+                   {"variables", array(chart.variables, [](const ChartVariable& variable) {
+                        return object({{"variable", variable.text}, {"axis", variable.right ? "right" : "left"}});
+                    })}});
+}
+
+Json::Value window_json(const WatchLayout& window)
+{
+    return object({{"name", window.name},
+                   {"model", window.model},
+                   {"address", window.address},
+                   {"port", window.port},
+                   {"geometry", geometry_json(window.geometry)},
+                   {"charts", array(window.charts, chart_json)}});
 }
 
 }  // namespace
@@ -188,32 +221,7 @@ WindowLayout WindowLayout::Read(const std::string& text)
 
 std::string WindowLayout::Write() const
 {
-    Json::Value root(Json::objectValue);
-    Json::Value& windows_json = root["windows"] = Json::Value(Json::arrayValue);
-    for (const WatchLayout& window : windows) {
-        Json::Value w(Json::objectValue);
-        w["name"] = window.name;
-        w["model"] = window.model;
-        w["address"] = window.address;
-        w["port"] = window.port;
-        w["geometry"] = geometry_json(window.geometry);
-        Json::Value& charts = w["charts"] = Json::Value(Json::arrayValue);
-        for (const ChartLayout& chart : window.charts) {
-            Json::Value c(Json::objectValue);
-            c["title"] = chart.title;
-            c["width"] = chart.width;
-            c["geometry"] = geometry_json(chart.geometry);
-            Json::Value& variables = c["variables"] = Json::Value(Json::arrayValue);
-            for (const ChartVariable& variable : chart.variables) {
-                Json::Value v(Json::objectValue);
-                v["variable"] = variable.text;
-                v["axis"] = variable.right ? "right" : "left";
-                variables.append(v);
-            }
-            charts.append(c);
-        }
-        windows_json.append(w);
-    }
+    const Json::Value root = object({{"windows", array(windows, window_json)}});
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "  ";
     return Json::writeString(builder, root) + "\n";

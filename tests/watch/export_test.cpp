@@ -38,8 +38,8 @@ TEST(ChartCsv, MergesByTimeKeepsRepeatedTimesAndCutsEachVariableAtItsOwnNewest)
         {{ch4, {"empty", {}, {}}}, all, 0, "Seconds Before Newest,Record Time,lab:DATA:CH4,empty\n"
                                            "-2,100,1.5,\n-1,101,2,\n0,102,0.1,\n"},
         {{ch4}, 1, 2, "Seconds Before Newest,Record Time,lab:DATA:CH4\n"},
-        {{{"say \"hi\"", {1234567890.25}, {std::nan("")}}}, all, 0,
-         "Seconds Before Newest,Record Time,\"say \"\"hi\"\"\"\n0,1234567890.25,nan\n"},
+        {{{"say \"hi\"", {1795623372.553, 1795623382.6948016}, {std::nan(""), 1}}}, all, 0,
+         "Seconds Before Newest,Record Time,\"say \"\"hi\"\"\"\n-10.141802,1795623372.553,nan\n0,1795623382.6948016,1\n"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(ChartCsv(row.series, row.from, row.to), row.csv) << row.csv;
