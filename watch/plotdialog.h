@@ -91,7 +91,7 @@ public:
     void _Plot(double time, double value);
 
     /// Opens a chart as a layout describes it; a variable whose host has no connector is left out,
-    /// as when dropped.
+    /// as when dropped, and a width that the chart does not offer leaves it at 60 s.
     static PlotDialog* Open(QWidget* parent, const ChartLayout& layout);
     /// Title, time width, place and variables with their axes.
     ChartLayout Layout() const;
