@@ -4,9 +4,16 @@
 
 namespace {
 
-void read_instruments(const std::vector<std::string>& args, CommandLine& result)
+void read_main_arguments(const std::vector<std::string>& args, CommandLine& result)
 {
     for (size_t i = 1; i < args.size(); ++i) {
+        if (args[i] == "--layout") {
+            if (++i == args.size())
+                result.errors.push_back("--layout: FILE must follow");
+            else
+                result.layout = args[i];
+            continue;
+        }
         if (args[i] != "--instrument")
             continue;
         if (++i == args.size()) {
@@ -27,7 +34,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args)
 {
     CommandLine result;
     if (args.size() < 3 || args[1] != "cal" || args[2].empty()) {
-        read_instruments(args, result);
+        read_main_arguments(args, result);
         return result;
     }
 

@@ -21,7 +21,9 @@ struct CommandLine {
 
     /// MAIN only: the instruments named by "--instrument NAME=MODEL@ADDRESS[:PORT]", in order.
     std::vector<NamedInstrument> instruments;
-    /// MAIN only: one line for each "--instrument" that could not be read, with what is wrong.
+    /// MAIN only: the layout file named by "--layout FILE" (the last one given), or empty.
+    std::string layout;
+    /// MAIN only: one line for each "--instrument" or "--layout" that could not be read.
     std::vector<std::string> errors;
 };
 
@@ -29,5 +31,6 @@ struct CommandLine {
 /// Anything else, "cal" alone or an empty NAME gives MAIN. An unreadable or zero PORT or an empty
 /// ADDRESS gives CAL_BROWSE without a word; a single argument after NAME and any behind PORT are
 /// ignored. PORT is read like `stream >> int`: leading blanks skipped, trailing text ignored.
-/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument.
+/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument
+/// and "--layout FILE" a layout to open at start.
 CommandLine ParseCommandLine(const std::vector<std::string>& args);
