@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <unistd.h>
@@ -51,9 +52,14 @@ public:
     }
     ~RecordPrinter() override { _link.UnRegisterListener(this); }
 
+    // A header that comes again unchanged (as after a change of the output selection) is not news.
     void GotConnectorHeader(Connector& link, std::string header) override
     {
-        std::cout << HeaderLine(_format, header, link.Header(header)) << std::flush;
+        std::vector<std::string>& shown = _headers[header];
+        if (shown == link.Header(header))
+            return;
+        shown = link.Header(header);
+        std::cout << HeaderLine(_format, header, shown) << std::flush;
     }
     void GotConnectorData(Connector& link, std::string record) override
     {
@@ -71,6 +77,7 @@ private:
     Connector& _link;
     RecordFormat _format;
     long _limit = 0;
+    std::map<std::string, std::vector<std::string>> _headers;
 };
 
 // Follows a raw capture into its file and shows how far it has come.
@@ -245,17 +252,17 @@ int Set(Session& session, const std::vector<std::pair<std::string, std::string>>
 
 int Stream(Session& session, const std::vector<std::string>& records, RecordFormat format, long count, int ms)
 {
-    if (!session.Open())
-        return failed(session);
-    QElapsedTimer clock;
-    clock.start();
     RecordPrinter printer(session.Link(), records, format);
     printer.Limit(count);
+    QElapsedTimer clock;
+    clock.start();
+    if (!session.Open())
+        return failed(session);
     const bool flowing = session.Wait([&] { return printer.printed > 0; }, session.TimeoutMs(), "record");
     if (flowing)
         RunUntil([&] { return (count && printer.printed >= count) || !session.Link().IsConnected(); },
                  ms < 0 ? -1 : std::max(0, ms - int(clock.elapsed())));
-    Complain(std::to_string(printer.dropped) + " lines dropped for a bad checksum", EXIT_OK);
+    Complain("lines dropped for a bad checksum: " + std::to_string(printer.dropped), EXIT_OK);
     if (!flowing)
         return failed(session);
     if (!session.Link().IsConnected())

@@ -38,13 +38,19 @@ bool RunUntil(const std::function<bool()>& done, int ms)
 {
     QElapsedTimer clock;
     clock.start();
-    QTimer wake;  // only wakes the loop at the deadline
+    // Only wakes the loop at the deadline; set again each time, since a timer may fire a little early.
+    QTimer wake;
     wake.setSingleShot(true);
-    if (ms >= 0)
-        wake.start(ms);
+    wake.setTimerType(Qt::PreciseTimer);
     while (!done()) {
-        if ((ms >= 0 && clock.elapsed() >= ms) || interrupted)
+        if (interrupted)
             return false;
+        if (ms >= 0) {
+            const qint64 left = ms - clock.elapsed();
+            if (left <= 0)
+                return false;
+            wake.start(int(left));
+        }
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
@@ -114,6 +120,7 @@ bool Session::Find(const std::string& target)
             return false;
         }
         _addresses = {_instrument.address};
+        _MakeLink();
         return true;
     }
     Browser browser;
@@ -133,7 +140,18 @@ bool Session::Find(const std::string& target)
     _instrument.name = found->name;
     _instrument.model = Browser::ModelOfType(found->type);
     _addresses.assign(found->addresses.begin(), found->addresses.end());
+    _MakeLink();
     return true;
+}
+
+void Session::_MakeLink()
+{
+    _link = Connector::Factory(nullptr, _instrument.name, _instrument.model);
+    _context = std::make_unique<QObject>();
+    QObject::connect(_link.get(), &Connector::Connected, _context.get(), [this] { _up = true; });
+    QObject::connect(_link.get(), &Connector::Disconnected, _context.get(), [this] { _lost = true; });
+    QObject::connect(_link.get(), &Connector::GotXMLLine, _context.get(),
+                     [this](const std::string& line) { _GotXMLLine(line); });
 }
 
 bool Session::Open()
@@ -143,12 +161,6 @@ bool Session::Open()
     Connector::SetMessageBox([this](QWidget*, const QString&, const QString& text) {
         _failure = "cannot reach " + _instrument.name + ": " + text.toStdString();
     });
-    _link = Connector::Factory(nullptr, _instrument.name, _instrument.model);
-    _context = std::make_unique<QObject>();
-    QObject::connect(_link.get(), &Connector::Connected, _context.get(), [this] { _up = true; });
-    QObject::connect(_link.get(), &Connector::Disconnected, _context.get(), [this] { _lost = true; });
-    QObject::connect(_link.get(), &Connector::GotXMLLine, _context.get(),
-                     [this](const std::string& line) { _GotXMLLine(line); });
     for (const SocketAddress& address : _addresses)
         _link->Connect(address.Presentation(), int(address.Scope()), address.Port());
     std::vector<std::string> refusals;

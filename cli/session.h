@@ -50,13 +50,15 @@ public:
     ~Session();
 
     /// Finds `target`: "[NAME=]MODEL@ADDRESS[:PORT]" at once, any other text as the name that an
-    /// instrument announces through DNS-SD (the case not counting).
+    /// instrument announces through DNS-SD (the case not counting). Then the link exists, not
+    /// yet dialled, so that listeners can be there from its first line.
     bool Find(const std::string& target);
     /// The model word of the instrument found.
     const std::string& Model() const { return _instrument.model; }
 
     /// Dials the instrument and waits until its document has arrived in the link's replica.
     bool Open();
+    /// The link, once the instrument is found.
     Connector& Link() { return *_link; }
 
     /// Waits until the instrument has served everything sent to it so far; `refusals` are then
@@ -71,6 +73,7 @@ public:
     const std::string& Failure() const { return _failure; }
 
 private:
+    void _MakeLink();
     bool _Sync(std::vector<std::string>& refusals, int ms);
     void _GotXMLLine(const std::string& line);
 
