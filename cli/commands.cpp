@@ -117,13 +117,18 @@ public:
     std::string error;
 
 private:
-    // A bar redrawn in place on a terminal; elsewhere a line at every tenth and at the end.
+    // A bar redrawn in place on a terminal at every thousandth; elsewhere a line at every tenth and
+    // at the end.
     void _Show()
     {
         const uint64_t written = _capture.BytesWritten();
         const double seconds = double(_clock.elapsed()) / 1000;
         if (_terminal) {
-            std::cerr << '\r' << ProgressBar(written, _bytes, seconds) << (done ? "\n" : "") << std::flush;
+            const int permille = _bytes ? int(written * 1000 / _bytes) : 1000;
+            if (permille > _permille_shown || done) {
+                _permille_shown = permille;
+                std::cerr << '\r' << ProgressBar(written, _bytes, seconds) << (done ? "\n" : "") << std::flush;
+            }
             return;
         }
         const int tenth = _bytes ? int(written * 10 / _bytes) : 10;
@@ -139,6 +144,7 @@ private:
     const bool _terminal;
     QElapsedTimer _clock;
     int _tenth_shown = 0;
+    int _permille_shown = -1;
 };
 
 }  // namespace
@@ -258,7 +264,10 @@ int Stream(Session& session, const std::vector<std::string>& records, RecordForm
     clock.start();
     if (!session.Open())
         return failed(session);
-    const bool flowing = session.Wait([&] { return printer.printed > 0; }, session.TimeoutMs(), "record");
+    std::string names;
+    for (const std::string& record : records)
+        names += (names.empty() ? "" : " or ") + record;
+    const bool flowing = session.Wait([&] { return printer.printed > 0; }, session.TimeoutMs(), names + " record");
     if (flowing)
         RunUntil([&] { return (count && printer.printed >= count) || !session.Link().IsConnected(); },
                  ms < 0 ? -1 : std::max(0, ms - int(clock.elapsed())));

@@ -123,7 +123,8 @@ bool Session::Find(const std::string& target)
         _MakeLink();
         return true;
     }
-    Browser browser;
+    _browser = std::make_unique<Browser>();
+    Browser& browser = *_browser;
     std::shared_ptr<BonjourResolver::HostInfo> found;
     const bool announced = RunUntil([&] {
         found = browser.Lookup(target);
@@ -159,13 +160,36 @@ bool Session::Open()
     QElapsedTimer clock;
     clock.start();
     Connector::SetMessageBox([this](QWidget*, const QString&, const QString& text) {
-        _failure = "cannot reach " + _instrument.name + ": " + text.toStdString();
+        // An announced instrument's further addresses may have come in since it was found.
+        const std::vector<SocketAddress> untried = _Untried();
+        if (untried.empty())
+            _failure = "cannot reach " + _instrument.name + ": " + text.toStdString();
+        else
+            QTimer::singleShot(0, _context.get(), [this, untried] { _Dial(untried); });
     });
-    for (const SocketAddress& address : _addresses)
-        _link->Connect(address.Presentation(), int(address.Scope()), address.Port());
+    _Dial(_addresses);
     std::vector<std::string> refusals;
     return Wait([this] { return _up; }, remaining(clock, _timeout_ms), "link to " + _instrument.name) &&
            _Sync(refusals, remaining(clock, _timeout_ms));
+}
+
+void Session::_Dial(const std::vector<SocketAddress>& addresses)
+{
+    for (const SocketAddress& address : addresses) {
+        _tried.insert(address);
+        _link->Connect(address.Presentation(), int(address.Scope()), address.Port());
+    }
+}
+
+std::vector<SocketAddress> Session::_Untried() const
+{
+    std::vector<SocketAddress> untried;
+    const auto found = _browser ? _browser->Lookup(_instrument.name) : nullptr;
+    if (found)
+        for (const SocketAddress& address : found->addresses)
+            if (!_tried.count(address))
+                untried.push_back(address);
+    return untried;
 }
 
 bool Session::Sync(std::vector<std::string>& refusals)

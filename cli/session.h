@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -74,12 +75,17 @@ public:
 
 private:
     void _MakeLink();
+    void _Dial(const std::vector<SocketAddress>& addresses);
+    /// The addresses announced for the instrument that were not dialled yet.
+    std::vector<SocketAddress> _Untried() const;
     bool _Sync(std::vector<std::string>& refusals, int ms);
     void _GotXMLLine(const std::string& line);
 
     const int _timeout_ms;
     NamedInstrument _instrument;
     std::vector<SocketAddress> _addresses;
+    std::set<SocketAddress> _tried;
+    std::unique_ptr<Browser> _browser;  ///< kept for addresses announced late
     std::shared_ptr<Connector> _link;
     std::unique_ptr<QObject> _context;  ///< ends the connections to the link with the session
     std::string _failure;
