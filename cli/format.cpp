@@ -6,8 +6,8 @@
 #include <cctype>
 #include <charconv>
 #include <cstdio>
-#include <sstream>
 
+#include "cli/settings.h"
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
 
@@ -33,13 +33,6 @@ std::string joined(RecordFormat format, const std::string& first, const std::vec
     for (const std::string& field : rest)
         line += separator + (format == RecordFormat::Csv ? csv_field(field) : field);
     return line + '\n';
-}
-
-std::string text_of(const Configurable& leaf)
-{
-    std::ostringstream out;
-    leaf.write(out);
-    return out.str();
 }
 
 std::string megabytes(uint64_t bytes)
@@ -122,7 +115,7 @@ Json::Value JsonTree(const Configurable& node)
     if (const auto* number = dynamic_cast<const ConfigurableInteger*>(&node))
         return Json::Int64(number->get());
     // A float is printed with the digits the instrument sends, not with those of its binary value.
-    const std::string text = text_of(node);
+    const std::string text = TextOf(node);
     if (dynamic_cast<const ConfigurableFloat*>(&node) || dynamic_cast<const ConfigurableDouble*>(&node))
         return JsonField(text);
     return text;
