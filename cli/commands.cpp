@@ -203,7 +203,7 @@ int Get(Session& session, const std::vector<std::string>& paths, bool json)
         nodes.push_back(&ModelOf(doc));
     if (!json) {
         for (const Configurable* node : nodes)
-            node->configuration(std::cout) << '\n';
+            std::cout << DocumentText(*node);
         return EXIT_OK;
     }
     // The paths' subtrees in one object, nested as in the document below the model node.

@@ -177,13 +177,18 @@ SettingsOnly::~SettingsOnly()
         node->set_enabled(true);
 }
 
+std::string DocumentText(const Configurable& node)
+{
+    std::ostringstream out;
+    node.configuration(out);
+    const std::string text = out.str();
+    return text.substr(std::min(text.size(), text.find_first_not_of('\n'))) + '\n';
+}
+
 std::string BackupText(Configurable& doc)
 {
     SettingsOnly settings(doc);
-    std::ostringstream out;
-    doc.configuration(out);
-    const std::string text = out.str();
-    return text.substr(std::min(text.size(), text.find_first_not_of('\n'))) + '\n';
+    return DocumentText(doc);
 }
 
 std::string BackupModel(const std::string& text)

@@ -52,6 +52,9 @@ private:
     std::vector<Configurable*> _hidden;
 };
 
+/// A node in its full path as indented XML, one element a line, as "&query;" answers it.
+std::string DocumentText(const Configurable& node);
+
 /// The backup of a document's settings: XML that names the model by its tag, one element a line.
 std::string BackupText(Configurable& doc);
 
