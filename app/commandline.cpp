@@ -25,6 +25,7 @@ const Option kOptions[] = {
      "Lists the instrument NAME, a MODEL (tolvan, morvik, sarnel, halden, dravik, quenta, bremmel, ostrel) at "
      "ADDRESS, as if it were announced. An IPv6 address goes in brackets. Repeatable.",
      &CommandLine::instrument_entries},
+    {"layout", "FILE", "Opens the watch windows and charts that the layout FILE keeps.", &CommandLine::layout},
 };
 
 // A parser that knows the options, --help and --version and the positional form.

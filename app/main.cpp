@@ -26,6 +26,8 @@ int main(int argc, char* argv[])
         window = std::make_unique<MyCalMainWindow>("Arvex Calibration Control Panel", command_line.name,
                                                    command_line.address, command_line.port);
     window->show();
+    if (command_line.mode == CommandLine::MAIN && !command_line.layout.empty())
+        static_cast<MyMainWindow&>(*window).OpenLayoutFile(QString::fromStdString(command_line.layout));
     // The window goes before the application does.
     return application.exec();
 }

@@ -18,6 +18,7 @@
 #include "foundation/str_util.h"
 #include "link/connector.h"
 #include "watch/configmorvikdialog.h"
+#include "watch/plotdialog.h"
 #include "watch/watchbremmeldialog.h"
 #include "watch/watchdravikdialog.h"
 #include "watch/watchhaldendialog.h"
@@ -514,13 +515,13 @@ void MyFrame::ExecuteExternalCommand(unsigned index, const InstInfo& info)
     dialog->RunCmds();
 }
 
-void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
+QDialog* MyFrame::OpenInstrumentWindow(const WindowRequest& request)
 {
     if (request.window == Window::ConfigMorvik) {
         auto* window = new ConfigMorvikDialog(this, request.name, request.type);
         window->show();
         window->Connect(request.address, request.scope, request.port);
-        return;
+        return window;
     }
     WatchDialog* window = nullptr;
     switch (request.window) {
@@ -547,4 +548,47 @@ void MyFrame::OpenInstrumentWindow(const WindowRequest& request)
         !contains(window->GetConnector().ConnectedTo(), request.address))
         window->Disconnect();
     window->Connect(request.address, request.scope, request.port);
+    return window;
+}
+
+MyFrame::InstrumentWindow MyFrame::WatchWindowFor(const std::string& type)
+{
+    if (type == "quenta")
+        return Window::WatchQuenta;
+    if (type == "dravik")
+        return Window::WatchDravik;
+    if (type == "halden")
+        return Window::WatchHalden;
+    if (type == "bremmel")
+        return Window::WatchBremmel;
+    return Window::WatchTolvan;
+}
+
+WindowLayout MyFrame::CurrentLayout() const
+{
+    WindowLayout layout;
+    for (const WatchDialog* window : findChildren<WatchDialog*>(QString(), Qt::FindDirectChildrenOnly))
+        if (window->isVisible())
+            layout.windows.push_back(window->Layout());
+    return layout;
+}
+
+void MyFrame::OpenLayout(const WindowLayout& layout)
+{
+    // Every instrument first: a chart may hold variables of any of them.
+    std::vector<QDialog*> windows;
+    for (const WatchLayout& entry : layout.windows) {
+        const auto [address, scope] = SplitScope(entry.address);
+        QDialog* window =
+            OpenInstrumentWindow({WatchWindowFor(entry.model), entry.name, entry.model, address, scope, entry.port, true});
+        if (window)
+            PlaceWindow(*window, entry.geometry);
+        windows.push_back(window);
+    }
+    for (size_t i = 0; i < windows.size(); ++i) {
+        if (!windows[i])
+            continue;
+        for (const ChartLayout& chart : layout.windows[i].charts)
+            PlotDialog::Open(windows[i], chart);
+    }
 }

@@ -13,7 +13,9 @@
 #include "app/instinfo.h"
 #include "link/namedinstrument.h"
 #include "discovery/bonjourclient.h"
+#include "watch/windowlayout.h"
 
+class QDialog;
 class QLabel;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -132,6 +134,15 @@ public:
     /// "program_dir" and one define per TXT entry.
     void ExecuteExternalCommand(unsigned index, const InstInfo& info);
 
+    /// The open watch windows in the order they were opened, with their charts.
+    WindowLayout CurrentLayout() const;
+    /// Opens a watch window for each of the layout's, as the list opens one, at its place, and
+    /// then their charts. An instrument that cannot be reached still gets its window.
+    void OpenLayout(const WindowLayout& layout);
+    /// The watch window for a type word: Quenta, Dravik, Halden and Bremmel their own, any other
+    /// the Tolvan's.
+    static InstrumentWindow WatchWindowFor(const std::string& type);
+
     /// The instruments in list order.
     const std::vector<InstInfo>& Instruments() const { return _instruments; }
 
@@ -158,8 +169,9 @@ public slots:
 protected:
     /// The one way to a watch or configuration window: makes it, joins a watch window's log state
     /// to the list's log column, shows it and dials. A watch window opened from the list first
-    /// takes its connector off any other address; the Morvik configuration only dials.
-    virtual void OpenInstrumentWindow(const WindowRequest& request);
+    /// takes its connector off any other address; the Morvik configuration only dials. Gives the
+    /// window.
+    virtual QDialog* OpenInstrumentWindow(const WindowRequest& request);
 
 private:
     /// Dials the selected instrument in `window`.

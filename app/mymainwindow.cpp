@@ -2,13 +2,18 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QSettings>
 
 #include "app/aboutdialog.h"
 #include "app/datafiles.h"
 #include "app/myframe.h"
+#include "watch/plotexport.h"
 
 namespace {
 const char* const kOrganisation = "Arvex";
@@ -17,9 +22,10 @@ const char* const kApplication = "sondar";
 
 MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_path,
                            const std::vector<NamedInstrument>& instruments)
-    : _about_text_path(BesideOrInstalled(AboutTextPath(program_path)))
+    : _about_text_path(BesideOrInstalled(AboutTextPath(program_path))),
+      _frame(new MyFrame(this, title, program_path, instruments))
 {
-    auto* frame = new MyFrame(this, title, program_path, instruments);
+    MyFrame* frame = _frame;
 
     auto* about = new QAction("&About...", this);
     connect(about, &QAction::triggered, this, &MyMainWindow::OnAbout);
@@ -33,9 +39,17 @@ MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_
     auto* remove_test_host = new QAction("&Remove Test Host", this);
     connect(remove_test_host, &QAction::triggered, frame, &MyFrame::OnRemoveTestHost);
 
+    auto* open_layout = new QAction("&Open Layout...", this);
+    connect(open_layout, &QAction::triggered, this, &MyMainWindow::OnOpenLayout);
+    auto* save_layout = new QAction("&Save Layout...", this);
+    connect(save_layout, &QAction::triggered, this, &MyMainWindow::OnSaveLayout);
+
     QMenu* file = menuBar()->addMenu("&File");
     file->addAction(about);
     file->addAction(refresh);
+    file->addSeparator();
+    file->addAction(open_layout);
+    file->addAction(save_layout);
     file->addSeparator();
     file->addAction(exit);
     setCentralWidget(frame);
@@ -48,6 +62,37 @@ void MyMainWindow::OnAbout()
 {
     AboutDialog dialog(this, _about_text_path);
     dialog.exec();
+}
+
+void MyMainWindow::OnSaveLayout()
+{
+    SaveTextFile(this, "Save Layout", "Layout (*.json)", _frame->CurrentLayout().Write());
+}
+
+void MyMainWindow::OnOpenLayout()
+{
+    const QString path = QFileDialog::getOpenFileName(this, "Open Layout", QString(), "Layout (*.json);;All files (*)");
+    if (!path.isEmpty())
+        OpenLayoutFile(path);
+}
+
+bool MyMainWindow::OpenLayoutFile(const QString& path)
+{
+    QFile file(path);
+    QString error;
+    if (!file.open(QIODevice::ReadOnly))
+        error = file.errorString();
+    else {
+        try {
+            _frame->OpenLayout(WindowLayout::Read(file.readAll().toStdString()));
+            return true;
+        } catch (const WindowLayout::Error& e) {
+            error = QString::fromStdString(e.what());
+        }
+    }
+    QMessageBox::warning(this, "Open Layout",
+                         "The layout " + QDir::toNativeSeparators(path) + " was not opened:\n" + error);
+    return false;
 }
 
 void MyMainWindow::closeEvent(QCloseEvent* event)

@@ -8,6 +8,7 @@
 
 #include "link/namedinstrument.h"
 
+class MyFrame;
 class QCloseEvent;
 
 /// The window the program shows when started without "cal". Its geometry is kept under the
@@ -24,10 +25,20 @@ public:
 public slots:
     /// Runs the About box modally.
     void OnAbout();
+    /// Asks for a file and writes the layout of the open watch windows into it.
+    void OnSaveLayout();
+    /// Asks for a layout file and opens it.
+    void OnOpenLayout();
+
+public:
+    /// Opens the windows and charts of a layout file. A file that cannot be read or holds no
+    /// layout gets a message box saying why, and nothing opens; false then.
+    bool OpenLayoutFile(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     std::string _about_text_path;
+    MyFrame* _frame;
 };

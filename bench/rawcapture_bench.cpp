@@ -19,9 +19,9 @@
 #include "bench/ratio.h"
 #include "foundation/base64.h"
 #include "libskarn/dochalden.h"
+#include "link/rawdatacapture.h"
 #include "sim/raw_capture.h"
 #include "sim/sim_halden.h"
-#include "watch/rawdatacapture.h"
 #include "watch/rawdatadialog.h"
 
 namespace {

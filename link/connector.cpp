@@ -384,8 +384,10 @@ void Connector::HandleData(const std::string& line)
     case RecData:
     case RecStat:
     case RecTest: {
-        if (!VerifyCheckSum(line))
+        if (!VerifyCheckSum(line)) {
+            _Notify(record, [&](Listener* l) { l->GotConnectorBadChecksum(*this, record); });
             return;
+        }
         _LogToFile(kind, record, line);
         std::vector<std::string>& texts = _strings[record];
         Cells& cells = _cells[record];
@@ -618,6 +620,7 @@ void Connector::HandleXML(const std::string& line)
         emit GotXMLChanges();
         doc._set_changed(false);
     }
+    emit GotXMLLine(line);
 }
 
 void Connector::OnSendXMLChanges()

@@ -63,6 +63,8 @@ public:
         virtual void GotConnectorTime(Connector&, std::string /*record*/, std::string /*time*/) {}
         virtual void GotConnectorWaveform(Connector&, std::string /*record*/, std::string /*line*/) {}
         virtual void GotConnectorRawData(Connector&, std::string /*record*/, std::string /*line*/) {}
+        /// A line of the record was dropped: its checksum did not hold.
+        virtual void GotConnectorBadChecksum(Connector&, std::string /*record*/) {}
     };
 
     /// Shows a connection failure: a message box unless replaced (tests replace it; null restores it).
@@ -170,6 +172,9 @@ signals:
     void GotDataRDC(std::string line);
     /// The document changed, by a message from the instrument or by changes just sent.
     void GotXMLChanges();
+    /// Any XML line from the instrument, after the document has taken it: an answer, a report of
+    /// changes, or an <Error> that the document itself does not keep.
+    void GotXMLLine(std::string line);
 
 public slots:
     void OnSocketRead();

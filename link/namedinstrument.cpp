@@ -69,12 +69,17 @@ NamedInstrument NamedInstrument::Make(const std::string& name, const std::string
     return instrument;
 }
 
-NamedInstrument NamedInstrument::Parse(const std::string& entry)
+namespace {
+
+NamedInstrument parse(const std::string& entry, bool name_required)
 {
+    using Error = NamedInstrument::Error;
     const std::string::size_type equals = entry.find('=');
     const std::string::size_type at = entry.find('@', equals == std::string::npos ? 0 : equals);
-    if (equals == std::string::npos || at == std::string::npos)
+    if (name_required && (equals == std::string::npos || at == std::string::npos))
         throw Error("the form is NAME=MODEL@ADDRESS[:PORT]");
+    if (at == std::string::npos)
+        throw Error("the form is [NAME=]MODEL@ADDRESS[:PORT]");
     const std::string location = entry.substr(at + 1);
     std::string address, rest;  // rest: ":PORT" or nothing
     if (!location.empty() && location[0] == '[') {
@@ -92,8 +97,22 @@ NamedInstrument NamedInstrument::Parse(const std::string& entry)
     }
     if (!rest.empty() && (rest[0] != ':' || rest.size() == 1))
         throw Error("\":PORT\" or nothing must follow the address");
-    return Make(entry.substr(0, equals), entry.substr(equals + 1, at - equals - 1), address,
-                rest.empty() ? "" : rest.substr(1));
+    const bool named = equals != std::string::npos;
+    const std::string::size_type model = named ? equals + 1 : 0;
+    return NamedInstrument::Make(named ? entry.substr(0, equals) : address, entry.substr(model, at - model), address,
+                                 rest.empty() ? "" : rest.substr(1));
+}
+
+}  // namespace
+
+NamedInstrument NamedInstrument::Parse(const std::string& entry)
+{
+    return parse(entry, true);
+}
+
+NamedInstrument NamedInstrument::ParseTarget(const std::string& entry)
+{
+    return parse(entry, false);
 }
 
 std::vector<std::string> NamedInstrument::Models()

@@ -32,6 +32,9 @@ struct NamedInstrument {
                                 const std::string& port);
     /// From "NAME=MODEL@ADDRESS[:PORT]", an IPv6 address in brackets: "lab=tolvan@[fe80::1%eth0]".
     static NamedInstrument Parse(const std::string& entry);
+    /// The same, or "MODEL@ADDRESS[:PORT]" without a name, which is then the address as given:
+    /// "tolvan@127.0.0.1:4410" is named "127.0.0.1". For programs that take one target.
+    static NamedInstrument ParseTarget(const std::string& entry);
 
     /// Every model word, in the order of the list above.
     static std::vector<std::string> Models();

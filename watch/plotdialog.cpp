@@ -18,7 +18,9 @@
 #include <qwt_plot_curve.h>
 #include <qwt_plot_panner.h>
 
+#include "watch/chartexport.h"
 #include "watch/densecurve.h"
+#include "watch/plotexport.h"
 
 namespace {
 
@@ -172,6 +174,9 @@ PlotDialog::PlotDialog(QWidget* parent, const std::string& text, const QString& 
             &PlotDialog::OnXaxisWidthChanged);
     connect(_pause_button, &QPushButton::clicked, this, &PlotDialog::OnPause);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
+    AddPlotMenu(_plot, {{"Export Visible Data...", [this] { OnExportVisibleData(); }},
+                        {"Export All Data...", [this] { OnExportAllData(); }},
+                        {"Save Image...", [this] { SavePlotImage(_plot, this); }}});
 
     _AddPlotItem(text, false);
 }
@@ -276,4 +281,51 @@ void PlotDialog::dropEvent(QDropEvent* event)
     const bool right = qRound(event->posF().x()) > width() / 2;
     _AddPlotItem(word, right);
     event->acceptProposedAction();
+}
+
+PlotDialog* PlotDialog::Open(QWidget* parent, const ChartLayout& layout)
+{
+    auto* chart = new PlotDialog(parent, "", QString::fromStdString(layout.title));
+    for (const ChartVariable& variable : layout.variables)
+        chart->_AddPlotItem(variable.text, variable.right);
+    for (int i = 0; i < chart->_width_combo->count(); ++i)
+        if (chart->_width_combo->itemData(i).toDouble() == layout.width)
+            chart->_width_combo->setCurrentIndex(i);
+    PlaceWindow(*chart, layout.geometry);
+    chart->show();
+    return chart;
+}
+
+ChartLayout PlotDialog::Layout() const
+{
+    ChartLayout layout;
+    layout.title = windowTitle().toStdString();
+    layout.width = _width_combo->currentData().toDouble();
+    layout.geometry = GeometryOf(*this);
+    // The curves stand in the order of the variables.
+    for (const QwtPlotItem* curve : _plot->itemList(QwtPlotItem::Rtti_PlotCurve))
+        layout.variables.push_back({curve->title().text().toStdString(), curve->yAxis() == QwtPlot::yRight});
+    return layout;
+}
+
+std::string PlotDialog::CsvText(bool visible_only) const
+{
+    std::vector<ChartSeries> series;
+    for (const auto& variable : _variables)
+        series.push_back({variable->text, {variable->times.begin(), variable->times.end()},
+                          {variable->values.begin(), variable->values.end()}});
+    if (!visible_only)
+        return ChartCsv(series, -std::numeric_limits<double>::infinity(), 0);
+    const QwtInterval shown = _plot->axisInterval(QwtPlot::xBottom);
+    return ChartCsv(series, shown.minValue(), shown.maxValue());
+}
+
+void PlotDialog::OnExportVisibleData()
+{
+    SaveCsvFile(this, "Export Visible Data", CsvText(true));
+}
+
+void PlotDialog::OnExportAllData()
+{
+    SaveCsvFile(this, "Export All Data", CsvText(false));
 }

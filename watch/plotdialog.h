@@ -13,6 +13,7 @@
 
 #include "link/connector.h"
 #include "watch/chartstatistics.h"
+#include "watch/windowlayout.h"
 
 class QComboBox;
 class QLabel;
@@ -27,6 +28,9 @@ class QwtPlotPanner;
 /// left axis or, dropped on the right half, on the right one; they may belong to other
 /// instruments. Every variable keeps its last 300 seconds whatever the axis shows, so widening
 /// the axis shows history at once. The dialog deletes itself on closing.
+///
+/// A right click on the plot offers "Export Visible Data..." (CSV of the stretch of the time
+/// axis that shows), "Export All Data..." (the whole 300 seconds) and "Save Image...".
 class PlotDialog : public QDialog {
     Q_OBJECT
 public:
@@ -86,6 +90,14 @@ public:
     /// Statistics of the first variable, and their labels.
     void _Plot(double time, double value);
 
+    /// Opens a chart as a layout describes it; a variable whose host has no connector is left out,
+    /// as when dropped, and a width that the chart does not offer leaves it at 60 s.
+    static PlotDialog* Open(QWidget* parent, const ChartLayout& layout);
+    /// Title, time width, place and variables with their axes.
+    ChartLayout Layout() const;
+    /// The samples as CSV (ChartCsv), all that are kept or only those the time axis shows.
+    std::string CsvText(bool visible_only) const;
+
     /// The variables in order of arrival.
     const std::vector<std::unique_ptr<_PlotData>>& Variables() const { return _variables; }
     QwtPlot* Plot() const { return _plot; }
@@ -98,6 +110,8 @@ public slots:
     void OnXaxisWidthChanged(int index);
     /// Pauses or resumes every variable, as the first one decides.
     void OnPause();
+    void OnExportVisibleData();
+    void OnExportAllData();
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;

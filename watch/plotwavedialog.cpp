@@ -17,6 +17,8 @@
 #include <qwt_plot_zoomer.h>
 #include <qwt_symbol.h>
 
+#include "watch/plotexport.h"
+
 namespace {
 
 // A magnifier with a minus: zoom out.
@@ -217,6 +219,7 @@ PlotWaveDialog::PlotWaveDialog(QWidget* parent, const std::string& first, const 
     connect(points, &QCheckBox::stateChanged, this, &PlotWaveDialog::OnShowPointsChanged);
     connect(zoom_out, &QToolButton::clicked, this, &PlotWaveDialog::OnZoomOut);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
+    AddPlotMenu(_plot, {{"Save Image...", [this] { SavePlotImage(_plot, this); }}});
 }
 
 PlotWaveDialog::~PlotWaveDialog()

@@ -14,8 +14,8 @@
 #include <stdexcept>
 
 #include "libskarn/dochalden.h"
+#include "link/rawdatacapture.h"
 #include "link/variablestring.h"
-#include "watch/rawdatacapture.h"
 
 RawDataDialog::RawDataDialog(QWidget* parent, const std::string& name, ConfigCfgRawDataCapture* section)
     : QDialog(parent), _section(section)
@@ -114,8 +114,7 @@ void RawDataDialog::OnCaptureButton()
     _section->Size().set(size);
     _section->When().set(when);
     emit SendXMLChanges();
-    emit SendRawXML("<arvex><halden><output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true"
-                    "</rawcapture></cmd></halden></arvex>\n");
+    emit SendRawXML(_RawDataCapture::START_MESSAGE);
 
     _status->setText("Status: Recording raw data...");
     _transferring = false;
@@ -129,9 +128,8 @@ void RawDataDialog::GotConnectorRawData(Connector&, std::string record, std::str
 {
     if (!_capture)
         return;
-    // Behind the name and one separator, up to the line feed.
-    const size_t from = record.size() + 1;
-    if (line.size() <= from + 1) {
+    const std::string_view payload = _RawDataCapture::Payload(record, line);
+    if (payload.empty()) {
         _EndCapture("Status: Idle");
         return;
     }
@@ -140,7 +138,7 @@ void RawDataDialog::GotConnectorRawData(Connector&, std::string record, std::str
         _transferring = true;
     }
     try {
-        _capture->HandleData(line.data() + from, line.data() + line.size() - 1);
+        _capture->HandleData(payload.data(), payload.data() + payload.size());
     } catch (const std::runtime_error& e) {
         // The rest of this capture cannot be decompressed; the file keeps what came before.
         _EndCapture("Status: Capture failed: " + QString::fromStdString(e.what()));

@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <tuple>
 
 #include "watch/mytablewidget.h"
 #include "watch/plotdialog.h"
@@ -27,7 +28,8 @@ WatchDialog::WatchDialog(QWidget* parent, const std::string& name, const std::st
       _names(std::move(records)),
       _table(new MyTableWidget(this)),
       _log_button(new QPushButton(_connector->IsLogging() ? kLogStop : kLogStart, this)),
-      _model(model)
+      _model(model),
+      _type(type)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     _UpdateColumnHeader();
@@ -53,6 +55,19 @@ void WatchDialog::Disconnect()
 {
     _connector->Disconnect();
     _SetTitle(_connector->Host() + ": --Disconnected--");
+}
+
+WatchLayout WatchDialog::Layout() const
+{
+    WatchLayout layout;
+    layout.name = _connector->Host();
+    layout.model = _type;
+    std::tie(layout.address, layout.port) = SplitTarget(_connector->ConnectedTo());
+    layout.geometry = GeometryOf(*this);
+    for (const PlotDialog* chart : findChildren<PlotDialog*>(QString(), Qt::FindDirectChildrenOnly))
+        if (chart->isVisible())
+            layout.charts.push_back(chart->Layout());
+    return layout;
 }
 
 void WatchDialog::_SetTitle(const std::string& rest)

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "link/connector.h"
+#include "watch/windowlayout.h"
 
 class MyTableWidget;
 class QMouseEvent;
@@ -36,6 +37,10 @@ public:
     void Disconnect();
     /// The connector this window shares with every other window on the instrument.
     Connector& GetConnector() const { return *_connector; }
+
+    /// The window in a layout: the instrument's name and type word, the target its connector was
+    /// last dialled on, the window's place, and its charts that are open.
+    WatchLayout Layout() const;
 
     /// Sets the text of a cell. A missing cell is made, not editable, and the table grows to hold it.
     void SetItem(int row, int column, const QString& text);
@@ -82,6 +87,7 @@ protected:
 
 private:
     QString _model;
+    std::string _type;       ///< the type word the window was opened with
     QPoint _press_position;  ///< of the last press in the table, on the screen
     QString _drag_text;      ///< the variable of that press
 };

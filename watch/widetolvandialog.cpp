@@ -26,6 +26,8 @@
 #include <sstream>
 
 #include "link/variablestring.h"
+#include "watch/chartexport.h"
+#include "watch/plotexport.h"
 
 namespace {
 
@@ -34,6 +36,8 @@ constexpr double END_TEMP = 48.0;
 constexpr double STEP = 0.25;
 // Fresh sample waveforms after a step before it is taken: the laser settles meanwhile.
 constexpr int SETTLING = 3;
+// Over the table's columns and the saved data's.
+const QStringList kTableHeader = {"Temp (C)", "Sample", "Reference"};
 // The raw preview: points 40 to 59 of each waveform, at a nominal 0.0165 °C apart.
 constexpr int PREVIEW_FIRST = 40;
 constexpr int PREVIEW_POINTS = 20;
@@ -174,8 +178,10 @@ WideTolvanDialog::WideTolvanDialog(QWidget* parent, const std::string& name, Doc
     connect(print, &QPushButton::clicked, this, &WideTolvanDialog::OnPrintClicked);
     connect(copy, &QPushButton::clicked, this, &WideTolvanDialog::OnCopyClicked);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
+    AddPlotMenu(_plot, {{"Save Image...", [this] { SavePlotImage(_plot, this); }},
+                        {"Save Data...", [this] { OnSaveDataClicked(); }}});
 
-    _model->setHorizontalHeaderLabels({"Temp (C)", "Sample", "Reference"});
+    _model->setHorizontalHeaderLabels(kTableHeader);
     auto* table = new QTableView(this);
     table->setModel(_model);
 
@@ -341,6 +347,19 @@ void WideTolvanDialog::OnCopyClicked()
     for (size_t r = 0; r < lines; ++r)
         text << temps[r] << '\t' << samples[r] << '\t' << references[r] << '\n';
     QApplication::clipboard()->setText(QString::fromStdString(text.str()), QClipboard::Clipboard);
+}
+
+std::string WideTolvanDialog::CsvText() const
+{
+    std::vector<std::string> header;
+    for (const QString& label : kTableHeader)
+        header.push_back(label.toStdString());
+    return ColumnsCsv(header, {_stitch.Temperatures(), _stitch.Samples(), _stitch.References()});
+}
+
+void WideTolvanDialog::OnSaveDataClicked()
+{
+    SaveCsvFile(this, "Save Data", CsvText());
 }
 
 void WideTolvanDialog::OnLegendClicked(QwtPlotItem*)

@@ -27,6 +27,7 @@ class QwtPlotItem;
 /// quarter degree higher; after 48 °C the scan stops. Stopping (at the end or by "Stop") joins
 /// what was scanned into the interpolated curves and the table, and sends the laser back to
 /// 2 °C. The laser stays on manual control: nothing gives control back to the instrument.
+/// A right click on the plot offers "Save Image..." and "Save Data..." (the table as CSV).
 class WideTolvanDialog : public QDialog, public Connector::Listener {
     Q_OBJECT
 
@@ -64,6 +65,9 @@ public:
     /// joined: the constructor's own sending goes nowhere.
     void SetStartLaserTemp();
 
+    /// The table as CSV: the table's header line, then the clipboard's columns.
+    std::string CsvText() const;
+
     void GotConnectorData(Connector& connector, std::string record) override;
     void GotConnectorWaveform(Connector& connector, std::string record, std::string line) override;
 
@@ -77,6 +81,8 @@ public slots:
     void OnPrintClicked();
     /// Puts the table on the clipboard: temperature, sample and reference, tab-separated, a line each.
     void OnCopyClicked();
+    /// "Save Data..." of the plot's context menu: asks for a file and writes CsvText into it.
+    void OnSaveDataClicked();
     void OnLegendClicked(QwtPlotItem* item);
     void OnLegendClicked(QwtPlotItem* item, bool on);
     /// The dialog reads nothing back from the document.

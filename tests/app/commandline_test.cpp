@@ -61,7 +61,7 @@ TEST(CommandLine, Table) {
     EXPECT_EQ(ParseCommandLine({}).mode, CommandLine::MAIN);  // not even the program's name
 }
 
-// Each row gives its instruments as "name|model|address|scope|port;" and its errors.
+// Each row gives its instruments as "name|model|address|scope|port;", its errors and its layout.
 TEST(CommandLine, InstrumentsNamedByHand) {
     const std::string models = " (one of tolvan, morvik, sarnel, halden, dravik, quenta, bremmel, ostrel)";
     const struct {
@@ -83,6 +83,9 @@ TEST(CommandLine, InstrumentsNamedByHand) {
          "--instrument \"a=tolvan@lab\": \"lab\" is not a numeric IPv4 or IPv6 address"},
         {{"--instrument", "a=tolvan"}, "--instrument \"a=tolvan\": the form is NAME=MODEL@ADDRESS[:PORT]"},
         {{"--instrument"}, "--instrument: NAME=MODEL@ADDRESS[:PORT] must follow"},
+        {{"--layout", "a.json", "--instrument", "b=bremmel@127.0.0.1", "--layout", "--instrument"},
+         "b|bremmel|127.0.0.1|0|50111;layout --instrument"},  // the last one, whatever it reads
+        {{"--layout"}, "--layout: FILE must follow"},
     };
     for (const auto& row : rows) {
         std::vector<std::string> args{"sondar"};
@@ -94,6 +97,8 @@ TEST(CommandLine, InstrumentsNamedByHand) {
                 << ";";
         for (const std::string& error : c.errors)
             got << error;
+        if (!c.layout.empty())
+            got << "layout " << c.layout;
         EXPECT_EQ(got.str(), row.expected);
     }
 }

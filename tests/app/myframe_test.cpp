@@ -28,7 +28,11 @@ public:
     std::vector<WindowRequest> opened;
 
 protected:
-    void OpenInstrumentWindow(const WindowRequest& request) override { opened.push_back(request); }
+    QDialog* OpenInstrumentWindow(const WindowRequest& request) override
+    {
+        opened.push_back(request);
+        return nullptr;
+    }
 };
 
 class Panel : public ::testing::Test {

@@ -145,7 +145,7 @@ TEST_F(Windows, MainWindowMenuTestHostActionsAndGeometry)
         QStringList texts;
         for (QAction* action : menus[0]->actions())
             texts << (action->isSeparator() ? "--" : action->text());
-        EXPECT_EQ(texts, QStringList({"&About...", "&Refresh", "--", "E&xit"}));
+        EXPECT_EQ(texts, QStringList({"&About...", "&Refresh", "--", "&Open Layout...", "&Save Layout...", "--", "E&xit"}));
 
         auto* frame = qobject_cast<MyFrame*>(window.centralWidget());
         ASSERT_NE(frame, nullptr);

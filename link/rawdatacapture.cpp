@@ -1,8 +1,14 @@
-#include "watch/rawdatacapture.h"
+#include "link/rawdatacapture.h"
 
 #include <algorithm>
 
 #include "foundation/base64.h"
+
+std::string_view _RawDataCapture::Payload(const std::string& record, const std::string& line)
+{
+    const size_t from = record.size() + 1;
+    return line.size() <= from + 1 ? std::string_view() : std::string_view(line).substr(from, line.size() - 1 - from);
+}
 
 _RawDataCapture::_RawDataCapture(const std::string& filename)
     : _file(filename, std::ios::binary | std::ios::trunc)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <string_view>
 
 #include "foundation/zlib.h"
 
@@ -16,6 +17,15 @@
 ///     // destroying it flushes and closes the file
 class _RawDataCapture : public ZLibInflatePolicy {
 public:
+    /// Switches the DATAFLRAW record on and starts a recording, in one message; the recording's
+    /// `rawdatacapture` settings must have gone out before it.
+    static constexpr const char* START_MESSAGE =
+        "<arvex><halden><output><datarawcapture>true</datarawcapture></output><cmd><rawcapture>true"
+        "</rawcapture></cmd></halden></arvex>\n";
+    /// The Base64 text of one DATAFLRAW `line` as the connector hands it on: behind the record's
+    /// name and one separator, up to the line feed. Empty for the line that ends the capture.
+    static std::string_view Payload(const std::string& record, const std::string& line);
+
     /// Opens `filename` for writing, emptying it. A file that cannot be opened is not an error:
     /// the capture runs its course and its bytes fall away.
     explicit _RawDataCapture(const std::string& filename);
