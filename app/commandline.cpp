@@ -7,6 +7,7 @@ namespace {
 void read_instruments(const std::vector<std::string>& args, CommandLine& result)
 {
     for (size_t i = 1; i < args.size(); ++i) {
+        result.status = result.status || args[i] == "--status";
         if (args[i] != "--instrument")
             continue;
         if (++i == args.size()) {

@@ -23,11 +23,14 @@ struct CommandLine {
     std::vector<NamedInstrument> instruments;
     /// MAIN only: one line for each "--instrument" that could not be read, with what is wrong.
     std::vector<std::string> errors;
+    /// MAIN only: "--status" opens the station status window beside the list.
+    bool status = false;
 };
 
 /// Reads the arguments as QApplication leaves them, program name first: `cal NAME [ADDRESS PORT]`.
 /// Anything else, "cal" alone or an empty NAME gives MAIN. An unreadable or zero PORT or an empty
 /// ADDRESS gives CAL_BROWSE without a word; a single argument after NAME and any behind PORT are
 /// ignored. PORT is read like `stream >> int`: leading blanks skipped, trailing text ignored.
-/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument.
+/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument,
+/// and "--status" asks for the station status window.
 CommandLine ParseCommandLine(const std::vector<std::string>& args);

@@ -8,6 +8,7 @@
 
 #include "app/aboutdialog.h"
 #include "app/myframe.h"
+#include "watch/stationstatusdialog.h"
 
 namespace {
 const char* const kOrganisation = "Arvex";
@@ -37,6 +38,9 @@ MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_
     file->addAction(refresh);
     file->addSeparator();
     file->addAction(exit);
+    auto* station_status = new QAction("&Station Status...", this);
+    connect(station_status, &QAction::triggered, this, &MyMainWindow::OnStationStatus);
+    menuBar()->addMenu("&View")->addAction(station_status);
     setCentralWidget(frame);
 
     QSettings settings(kOrganisation, kApplication);
@@ -47,6 +51,15 @@ void MyMainWindow::OnAbout()
 {
     AboutDialog dialog(this, _about_text_path);
     dialog.exec();
+}
+
+void MyMainWindow::OnStationStatus()
+{
+    if (!_station_status)
+        _station_status = new StationStatusDialog(this);
+    _station_status->show();
+    _station_status->activateWindow();
+    _station_status->raise();
 }
 
 void MyMainWindow::closeEvent(QCloseEvent* event)

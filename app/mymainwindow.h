@@ -9,6 +9,7 @@
 #include "link/namedinstrument.h"
 
 class QCloseEvent;
+class StationStatusDialog;
 
 /// The window the program shows when started without "cal". Its geometry is kept under the
 /// settings "Arvex"/"sondar", restored at construction and stored on close.
@@ -24,10 +25,13 @@ public:
 public slots:
     /// Runs the About box modally.
     void OnAbout();
+    /// Shows the one "Station Status" window, made at first use.
+    void OnStationStatus();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     std::string _about_text_path;
+    StationStatusDialog* _station_status = nullptr;
 };
