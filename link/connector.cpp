@@ -393,10 +393,8 @@ void Connector::HandleData(const std::string& line)
         ++_counters.bad_lines;
         return;
     }
-    if (kind != RecUnknown) {
+    if (kind != RecUnknown)
         ++_counters.records;
-        _counters.last_record = LinkClock::now();
-    }
     switch (kind) {
     case RecData:
     case RecStat:
@@ -565,6 +563,7 @@ void Connector::OnSocketRead()
 {
     const QByteArray data = _socket->readAll();
     _line_framer.AppendRawData(data.constData(), size_t(data.size()));
+    const uint64_t records = _counters.records;
     std::string line;
     while (_line_framer.GetNextStringToEOL(line)) {
         if (line.empty())
@@ -574,6 +573,9 @@ void Connector::OnSocketRead()
         else
             HandleData(line);
     }
+    // The records of one read arrived together.
+    if (_counters.records != records)
+        _counters.last_record = LinkClock::now();
 }
 
 void Connector::OnSocketError(QAbstractSocket::SocketError error)

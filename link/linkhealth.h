@@ -14,7 +14,7 @@ using LinkClock = std::chrono::system_clock;
 
 /// What a connector has seen of its link. The connector updates it; others only read it.
 struct LinkCounters {
-    LinkClock::time_point last_record{};  ///< arrival of the latest record taken; the epoch before any
+    LinkClock::time_point last_record{};  ///< when the socket brought the latest record; the epoch before any
     uint64_t records = 0;                 ///< record lines taken (good sum where there is one)
     uint64_t bad_lines = 0;               ///< data lines dropped for a bad checksum
     uint64_t bytes_logged = 0;            ///< bytes written to the log file since it was opened

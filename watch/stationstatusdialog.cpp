@@ -36,14 +36,14 @@ StationStatusDialog::StationStatusDialog(QWidget* parent)
       _auto_reconnect(new QCheckBox("Reconnect automatically", this)), _alert_after(new QSpinBox(this))
 {
     setWindowTitle("Station Status");
-    resize(1100, 300);
+    resize(1200, 300);
     _table->setHorizontalHeaderLabels(
-        {"Name", "Model", "Address", "State", "Last Record", "Records/s", "Bad Lines", "Log File", ""});
+        {"Name", "Model", "Address", "State", "", "Last Record", "Records/s", "Bad Lines", "Log File"});
     _table->verticalHeader()->hide();
     _table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     _table->setSelectionMode(QAbstractItemView::NoSelection);
     _table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    _table->horizontalHeader()->setStretchLastSection(true);
+    _table->horizontalHeader()->setSectionResizeMode(LOG_FILE, QHeaderView::Stretch);
 
     _alert_after->setRange(1, 24 * 3600);
     _alert_after->setValue(10);
@@ -159,12 +159,13 @@ void StationStatusDialog::_ShowRow(int index, const std::string& host, Row& row,
         QString::fromStdString(connector->Model()),
         target.port ? QString::fromStdString(target.Text()) : QString(),
         QString::fromStdString(figures.state),
+        QString(),  // the button's
         QString::fromStdString(figures.age),
         QString::number(figures.rate, 'f', 1),
         QString::number(counters.bad_lines),
         log,
     };
-    for (int column = 0; column < RECONNECT; ++column) {
+    for (int column = 0; column < COLUMNS; ++column) {
         QTableWidgetItem* item = _table->item(index, column);
         if (!item) {
             item = new QTableWidgetItem;

@@ -33,7 +33,7 @@ class StationStatusDialog : public QDialog {
 
 public:
     /// The columns of the table.
-    enum Column { NAME, MODEL, ADDRESS, STATE, AGE, RATE, BAD_LINES, LOG_FILE, RECONNECT, COLUMNS };
+    enum Column { NAME, MODEL, ADDRESS, STATE, RECONNECT, AGE, RATE, BAD_LINES, LOG_FILE, COLUMNS };
 
     explicit StationStatusDialog(QWidget* parent = nullptr);
     /// Redialing stops with the window.

@@ -43,17 +43,21 @@ TEST(StationStatus, LostLinksShowAtOnceAndComeBackByHandOrByThemselves)
 
     Status dialog;
     auto* table = dialog.findChild<QTableWidget*>();
-    const auto cell = [&](int column) { return table->item(0, column)->text().toStdString(); };
-    auto* reconnect = qobject_cast<QPushButton*>(table->cellWidget(0, Status::RECONNECT));
+    // Connectors of other tests may stand in the registry too.
+    const auto row = [&] {
+        return table->findItems(QString::fromStdString(test_host()), Qt::MatchExactly).at(0)->row();
+    };
+    const auto cell = [&](int column) { return table->item(row(), column)->text().toStdString(); };
+    const auto reconnect = [&] { return qobject_cast<QPushButton*>(table->cellWidget(row(), Status::RECONNECT)); };
     EXPECT_EQ(cell(Status::NAME) + "|" + cell(Status::MODEL) + "|" + cell(Status::ADDRESS) + "|" +
                   cell(Status::STATE),
               test_host() + "|tolvan|127.0.0.1:" + std::to_string(port) + "|connected");
-    EXPECT_FALSE(reconnect->isEnabled());
+    EXPECT_FALSE(reconnect()->isEnabled());
 
     sim.reset();
     ASSERT_TRUE(disconnected.wait(TIMEOUT_MS));
     EXPECT_EQ(cell(Status::STATE).rfind("disconnected since ", 0), 0u) << cell(Status::STATE);
-    EXPECT_TRUE(reconnect->isEnabled());
+    EXPECT_TRUE(reconnect()->isEnabled());
 
     // Off: while the window refreshes three times nobody dials, until the button is pressed.
     sim = std::make_unique<SimProcess>(arguments, port);
@@ -67,7 +71,7 @@ TEST(StationStatus, LostLinksShowAtOnceAndComeBackByHandOrByThemselves)
     }, TIMEOUT_MS));
     EXPECT_TRUE(connector->IsIdle());
     EXPECT_FALSE(sim->Log().contains(" connected"));
-    reconnect->click();
+    reconnect()->click();
     ASSERT_TRUE(connected.wait(TIMEOUT_MS));
     ASSERT_TRUE(heard.WaitForData(1));
 
