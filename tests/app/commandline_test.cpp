@@ -69,7 +69,6 @@ TEST(CommandLine, InstrumentsNamedByHand) {
         std::string expected;
     } rows[] = {
         {{"--instrument", "lab=tolvan@10.0.0.5:4411", "--status"}, "lab|tolvan|10.0.0.5|0|4411;status"},
-        {{"cal", "X", "--status"}, ""},  // the calibration panel has no station status
         {{"--instrument", "b=bremmel@127.0.0.1", "-x", "--instrument", "o=ostrel@127.0.0.1"},
          "b|bremmel|127.0.0.1|0|50111;o|ostrel|127.0.0.1|0|4460;"},  // the model's usual port
         {{"--instrument", "v6=halden@[fe80::1%3]:4431"}, "v6|halden|fe80::1|3|4431;"},
