@@ -158,7 +158,8 @@ public:
     RecordKind RecordType(const std::string& name);
     static bool VerifyCheckSum(const std::string& line);
 
-    // Logging: the stream's lines as they came, headers and events first.
+    // Logging: the stream's lines as they came, headers and events first; a link that comes back
+    // after a loss is marked by an event line (LinkGapLine).
     void ShowLogDialog();
     /// Opens (emptying) the file named by LogFileName and writes the stored events and headers.
     void StartLoggingToFile();

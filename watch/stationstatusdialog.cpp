@@ -86,12 +86,13 @@ void StationStatusDialog::OnRefresh()
 {
     std::map<std::string, Row> rows;
     for (const std::shared_ptr<Connector>& connector : Connector::Registered()) {
+        // A connector made anew under a known name starts a row afresh.
         auto known = _rows.find(connector->Host());
-        if (known != _rows.end() && known->second.identity == connector.get()) {
+        if (known != _rows.end() && known->second.connector.lock() == connector) {
             rows.emplace(known->first, std::move(known->second));
             continue;
         }
-        rows.emplace(connector->Host(), Row{connector, connector.get(), LinkHealth(LinkClock::now()), nullptr});
+        rows.emplace(connector->Host(), Row{connector, LinkHealth(LinkClock::now()), nullptr});
         connect(connector.get(), &Connector::Connected, this, &StationStatusDialog::_ShowRows);
         connect(connector.get(), &Connector::Disconnected, this, &StationStatusDialog::_ShowRows);
     }

@@ -47,7 +47,6 @@ public slots:
 private:
     struct Row {
         std::weak_ptr<Connector> connector;
-        const Connector* identity;  // a connector made anew under the same name starts afresh
         LinkHealth health;
         QPointer<Redialer> redialer;  // a child of the connector, so it cannot outlive it
     };
