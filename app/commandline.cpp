@@ -14,6 +14,7 @@ void read_main_arguments(const std::vector<std::string>& args, CommandLine& resu
                 result.layout = args[i];
             continue;
         }
+        result.status = result.status || args[i] == "--status";
         if (args[i] != "--instrument")
             continue;
         if (++i == args.size()) {

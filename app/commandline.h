@@ -25,12 +25,14 @@ struct CommandLine {
     std::string layout;
     /// MAIN only: one line for each "--instrument" or "--layout" that could not be read.
     std::vector<std::string> errors;
+    /// MAIN only: "--status" opens the station status window beside the list.
+    bool status = false;
 };
 
 /// Reads the arguments as QApplication leaves them, program name first: `cal NAME [ADDRESS PORT]`.
 /// Anything else, "cal" alone or an empty NAME gives MAIN. An unreadable or zero PORT or an empty
 /// ADDRESS gives CAL_BROWSE without a word; a single argument after NAME and any behind PORT are
 /// ignored. PORT is read like `stream >> int`: leading blanks skipped, trailing text ignored.
-/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument
-/// and "--layout FILE" a layout to open at start.
+/// In MAIN, whose arguments are otherwise ignored, each "--instrument ENTRY" names an instrument,
+/// "--layout FILE" a layout to open at start, and "--status" asks for the station status window.
 CommandLine ParseCommandLine(const std::vector<std::string>& args);
