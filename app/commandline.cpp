@@ -26,6 +26,7 @@ const Option kOptions[] = {
      "ADDRESS, as if it were announced. An IPv6 address goes in brackets. Repeatable.",
      &CommandLine::instrument_entries},
     {"layout", "FILE", "Opens the watch windows and charts that the layout FILE keeps.", &CommandLine::layout},
+    {"status", "", "Opens the station status window beside the list.", &CommandLine::status},
 };
 
 // A parser that knows the options, --help and --version and the positional form.

@@ -27,6 +27,7 @@ struct CommandLine {
     // The options as given, one field per option of the table in commandline.cpp.
     std::vector<std::string> instrument_entries;  ///< "--instrument", repeatable
     std::string layout;  ///< "--layout FILE", the last one given, or empty; opened at start in MAIN
+    bool status = false;  ///< "--status": in MAIN, the station status window opens beside the list
 };
 
 /// Reads the arguments as QApplication leaves them, program name first: `cal NAME [ADDRESS PORT]`.

@@ -20,9 +20,12 @@ int main(int argc, char* argv[])
         std::cerr << "sondar: skipping " << error << std::endl;
 
     std::unique_ptr<QMainWindow> window;
-    if (command_line.mode == CommandLine::MAIN)
-        window = std::make_unique<MyMainWindow>("Arvex Sondar", program_path, command_line.instruments);
-    else
+    if (command_line.mode == CommandLine::MAIN) {
+        auto main_window = std::make_unique<MyMainWindow>("Arvex Sondar", program_path, command_line.instruments);
+        if (command_line.status)
+            main_window->OnStationStatus();
+        window = std::move(main_window);
+    } else
         window = std::make_unique<MyCalMainWindow>("Arvex Calibration Control Panel", command_line.name,
                                                    command_line.address, command_line.port);
     window->show();

@@ -14,6 +14,7 @@
 #include "app/datafiles.h"
 #include "app/myframe.h"
 #include "watch/plotexport.h"
+#include "watch/stationstatusdialog.h"
 
 namespace {
 const char* const kOrganisation = "Arvex";
@@ -52,6 +53,9 @@ MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_
     file->addAction(save_layout);
     file->addSeparator();
     file->addAction(exit);
+    auto* station_status = new QAction("&Station Status...", this);
+    connect(station_status, &QAction::triggered, this, &MyMainWindow::OnStationStatus);
+    menuBar()->addMenu("&View")->addAction(station_status);
     setCentralWidget(frame);
 
     QSettings settings(kOrganisation, kApplication);
@@ -93,6 +97,15 @@ bool MyMainWindow::OpenLayoutFile(const QString& path)
     QMessageBox::warning(this, "Open Layout",
                          "The layout " + QDir::toNativeSeparators(path) + " was not opened:\n" + error);
     return false;
+}
+
+void MyMainWindow::OnStationStatus()
+{
+    if (!_station_status)
+        _station_status = new StationStatusDialog(this);
+    _station_status->show();
+    _station_status->activateWindow();
+    _station_status->raise();
 }
 
 void MyMainWindow::closeEvent(QCloseEvent* event)

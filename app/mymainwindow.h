@@ -10,6 +10,7 @@
 
 class MyFrame;
 class QCloseEvent;
+class StationStatusDialog;
 
 /// The window the program shows when started without "cal". Its geometry is kept under the
 /// settings "Arvex"/"sondar", restored at construction and stored on close.
@@ -29,6 +30,8 @@ public slots:
     void OnSaveLayout();
     /// Asks for a layout file and opens it.
     void OnOpenLayout();
+    /// Shows the one "Station Status" window, made at first use.
+    void OnStationStatus();
 
 public:
     /// Opens the windows and charts of a layout file. A file that cannot be read or holds no
@@ -41,4 +44,5 @@ protected:
 private:
     std::string _about_text_path;
     MyFrame* _frame;
+    StationStatusDialog* _station_status = nullptr;
 };

@@ -140,6 +140,14 @@ std::shared_ptr<Connector> Connector::Factory(QWidget* parent, const std::string
     return it->second;
 }
 
+std::vector<std::shared_ptr<Connector>> Connector::Registered()
+{
+    std::vector<std::shared_ptr<Connector>> all;
+    for (const auto& entry : _registry())
+        all.push_back(entry.second);
+    return all;
+}
+
 std::shared_ptr<Connector> Connector::LookupConnector(const std::string& spec)
 {
     auto it = _registry().find(VariableString(spec, VariableString::HOST).host);
@@ -174,7 +182,7 @@ std::pair<double, double> Connector::LookupVarNumeric(const std::string& spec)
 
 Connector::Connector(QWidget* parent, const std::string& name, const std::string& type)
     : _parent(parent), _host(VariableString(name, VariableString::HOST).host), _type(ConnectorType::Make(type)),
-      _socket(new QTcpSocket(this)), _send_timer(new QTimer(this)), _log_file_name(default_log_file_name(_host))
+      _model(type), _socket(new QTcpSocket(this)), _send_timer(new QTimer(this)), _log_file_name(default_log_file_name(_host))
 {
     _send_timer->setInterval(500);
     _send_timer->setSingleShot(true);
@@ -380,14 +388,18 @@ void Connector::HandleData(const std::string& line)
         return;
     const std::string record(token);
     const RecordKind kind = RecordType(record);
+    const bool checked = kind == RecData || kind == RecStat || kind == RecTest;
+    if (checked && !VerifyCheckSum(line)) {
+        ++_counters.bad_lines;
+        _Notify(record, [&](Listener* l) { l->GotConnectorBadChecksum(*this, record); });
+        return;
+    }
+    if (kind != RecUnknown)
+        ++_counters.records;
     switch (kind) {
     case RecData:
     case RecStat:
     case RecTest: {
-        if (!VerifyCheckSum(line)) {
-            _Notify(record, [&](Listener* l) { l->GotConnectorBadChecksum(*this, record); });
-            return;
-        }
         _LogToFile(kind, record, line);
         std::vector<std::string>& texts = _strings[record];
         Cells& cells = _cells[record];
@@ -517,7 +529,13 @@ void Connector::_Connect(const std::string& address, int scope, int port)
             host.setScopeId(iface.name());
     }
     _socket->connectToHost(host, quint16(port), QIODevice::ReadWrite);
-    _connected_to = address + (scope != 0 ? "%" + std::to_string(scope) : "") + ":" + std::to_string(port);
+    _last_target = {address, scope, port};
+    _connected_to = _last_target.Text();
+}
+
+std::string Connector::Target::Text() const
+{
+    return address + (scope != 0 ? "%" + std::to_string(scope) : "") + ":" + std::to_string(port);
 }
 
 void Connector::Disconnect()
@@ -546,6 +564,7 @@ void Connector::OnSocketRead()
 {
     const QByteArray data = _socket->readAll();
     _line_framer.AppendRawData(data.constData(), size_t(data.size()));
+    const uint64_t records = _counters.records;
     std::string line;
     while (_line_framer.GetNextStringToEOL(line)) {
         if (line.empty())
@@ -555,6 +574,9 @@ void Connector::OnSocketRead()
         else
             HandleData(line);
     }
+    // The records of one read arrived together.
+    if (_counters.records != records)
+        _counters.last_record = LinkClock::now();
 }
 
 void Connector::OnSocketError(QAbstractSocket::SocketError error)
@@ -595,11 +617,15 @@ void Connector::OnSocketConnected()
     _Write("<arvex>&query_changes;</arvex>\n");
     _Write("<arvex>&query;</arvex>\n");
     _Write(_type->OutputSelection());
+    // A reader of the log must see where the stream stopped and started again.
+    if (_counters.connections++ > 0)
+        _LogToFile(RecEvent, "DATAEVENT", LinkGapLine(_counters.down_since, LinkClock::now()));
     emit Connected();
 }
 
 void Connector::OnSocketDisconnected()
 {
+    _counters.down_since = LinkClock::now();
     emit Disconnected();
 }
 
@@ -669,7 +695,13 @@ void Connector::_LogToFile(int kind, const std::string& record, const std::strin
     if (kind == RecData || kind == RecStat)
         _last_data_lines[record] = line;
     if (_log_file.is_open() && _log_continuous)
-        _log_file << line;
+        _WriteLog(line);
+}
+
+void Connector::_WriteLog(const std::string& text)
+{
+    _log_file << text;
+    _counters.bytes_logged += text.size();
 }
 
 void Connector::StartLoggingToFile()
@@ -680,12 +712,13 @@ void Connector::StartLoggingToFile()
     _log_file.open(_log_file_name, std::ios::out | std::ios::binary | std::ios::trunc);
     if (!_log_file.is_open())
         return;
+    _counters.bytes_logged = 0;
     for (const auto& entry : _lines)
         if (entry.second.size() >= 9 && entry.second.compare(0, 9, "DATAEVENT") == 0)
-            _log_file << entry.second;
+            _WriteLog(entry.second);
     for (const auto& entry : _lines)
         if (entry.second.find("DATAEVENT") == std::string::npos)
-            _log_file << entry.second;
+            _WriteLog(entry.second);
 }
 
 void Connector::StopLoggingToFile()
@@ -701,7 +734,7 @@ void Connector::LogDataNow()
     if (!_log_file.is_open() || _log_continuous)
         return;
     for (const auto& entry : _last_data_lines)
-        _log_file << entry.second;
+        _WriteLog(entry.second);
 }
 
 std::string Connector::LookupEvent(const std::string& name) const

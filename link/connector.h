@@ -22,6 +22,7 @@
 
 #include "link/connectortype.h"
 #include "link/delimparser.h"
+#include "link/linkhealth.h"
 #include "link/variablestring.h"
 
 class QTcpSocket;
@@ -83,6 +84,8 @@ public:
     static std::string LookupVarString(const std::string& spec);
     /// (time, value) of host:record:field; (0, 0) for an unknown host.
     static std::pair<double, double> LookupVarNumeric(const std::string& spec);
+    /// Every registered connector, in name order.
+    static std::vector<std::shared_ptr<Connector>> Registered();
 
     Connector(QWidget* parent, const std::string& name, const std::string& type);
     ~Connector() override;
@@ -103,10 +106,24 @@ public:
     /// Whether a failed dial is shown in a message box (the default) or passes silently, as while
     /// a Redialer keeps trying.
     void SetDialFailuresShown(bool shown) { _dial_failures_shown = shown; }
+    /// A dialling target: a numeric address, an IPv6 interface index or 0, and a port.
+    struct Target {
+        std::string address;
+        int scope = 0;
+        int port = 0;
+        /// "169.254.1.2:4410", or "fe80::1%4:4410" with a scope.
+        std::string Text() const;
+    };
+    /// The target last dialled, kept after Disconnect; port 0 before the first dial.
+    const Target& LastTarget() const { return _last_target; }
     /// The address last dialled, "169.254.1.2:4410" or "fe80::1%4:4410"; empty after Disconnect.
     const std::string& ConnectedTo() const { return _connected_to; }
     const std::string& Host() const { return _host; }
     std::string Type() const { return _type->TypeName(); }
+    /// The type word the connector was made with ("halden", where Type() says "dravik").
+    const std::string& Model() const { return _model; }
+    /// What the link has seen: records, bad lines, bytes logged, when it went down.
+    const LinkCounters& Counters() const { return _counters; }
 
     /// The document as its model's class; std::bad_cast for a connector of another model.
     DocTolvan& Doc_Tolvan();
@@ -143,7 +160,8 @@ public:
     RecordKind RecordType(const std::string& name);
     static bool VerifyCheckSum(const std::string& line);
 
-    // Logging: the stream's lines as they came, headers and events first.
+    // Logging: the stream's lines as they came, headers and events first; a link that comes back
+    // after a loss is marked by an event line (LinkGapLine).
     void ShowLogDialog();
     /// Opens (emptying) the file named by LogFileName and writes the stored events and headers.
     void StartLoggingToFile();
@@ -198,6 +216,7 @@ private:
     void _Connect(const std::string& address, int scope, int port);
     void _Write(const std::string& text);
     void _LogToFile(int kind, const std::string& record, const std::string& line);
+    void _WriteLog(const std::string& text);
     void _UnpackDiagnostics();
     void _HandleHeader(const std::string& record, size_t fields_at, const std::string& line);
 
@@ -217,7 +236,10 @@ private:
     QWidget* _parent;
     std::string _host;
     std::unique_ptr<ConnectorType> _type;
+    std::string _model;
     std::string _connected_to;
+    Target _last_target;
+    LinkCounters _counters;
     QTcpSocket* _socket;
     QTimer* _send_timer;
     DelimParser _line_framer;

@@ -68,7 +68,7 @@ TEST(CommandLine, InstrumentsNamedByHand) {
         std::vector<std::string> args;  // after the program name
         std::string expected;
     } rows[] = {
-        {{"--instrument", "lab=tolvan@10.0.0.5:4411"}, "lab|tolvan|10.0.0.5|0|4411;"},
+        {{"--instrument", "lab=tolvan@10.0.0.5:4411", "--status"}, "lab|tolvan|10.0.0.5|0|4411;status"},
         {{"--instrument", "b=bremmel@127.0.0.1", "-x", "--instrument", "o=ostrel@127.0.0.1"},
          "b|bremmel|127.0.0.1|0|50111;o|ostrel|127.0.0.1|0|4460;"},  // the model's usual port
         {{"--instrument", "v6=halden@[fe80::1%3]:4431"}, "v6|halden|fe80::1|3|4431;"},
@@ -99,6 +99,7 @@ TEST(CommandLine, InstrumentsNamedByHand) {
             got << error;
         if (!c.layout.empty())
             got << "layout " << c.layout;
+        got << (c.status ? "status" : "");
         EXPECT_EQ(got.str(), row.expected);
     }
 }

@@ -21,6 +21,7 @@
 #include "link/connector.h"
 #include "tests/discovery/dnssd_double.h"
 #include "tests/service/wire.h"
+#include "watch/stationstatusdialog.h"
 
 namespace {
 
@@ -131,7 +132,7 @@ TEST_F(Windows, CalibrationPanelBrowsesForItsInstrument) {
     EXPECT_FALSE(other_case.hasPendingConnections());
 }
 
-// The File menu; the test host actions stand in no menu but are wired to the panel. Each window
+// The File menu and the station status; the test host actions stand in no menu but are wired to the panel. Each window
 // keeps its geometry apart, stored on close and restored by the next one.
 TEST_F(Windows, MainWindowMenuTestHostActionsAndGeometry)
 {
@@ -140,8 +141,11 @@ TEST_F(Windows, MainWindowMenuTestHostActionsAndGeometry)
         window.resize(523, 311);
         window.show();
         const auto menus = window.menuBar()->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
-        ASSERT_EQ(menus.size(), 1);
+        ASSERT_EQ(menus.size(), 2);
         EXPECT_EQ(menus[0]->title(), "&File");
+        EXPECT_EQ(menus[1]->title() + "|" + menus[1]->actions()[0]->text(), "&View|&Station Status...");
+        menus[1]->actions()[0]->trigger();
+        EXPECT_TRUE(window.findChild<StationStatusDialog*>()->isVisible());
         QStringList texts;
         for (QAction* action : menus[0]->actions())
             texts << (action->isSeparator() ? "--" : action->text());

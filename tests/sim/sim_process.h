@@ -72,10 +72,11 @@ inline int free_port()
     return probe.serverPort();
 }
 
-// One sondar-sim for one test, killed at its end if still running.
+// One sondar-sim for one test, killed at its end if still running; on a port of its own, or on
+// the port of one that went before it.
 class SimProcess {
 public:
-    explicit SimProcess(QStringList arguments) : port(free_port())
+    explicit SimProcess(QStringList arguments, int port = free_port()) : port(port)
     {
         process.start(SONDAR_SIM, arguments << "--port" << QString::number(port));
     }
