@@ -12,6 +12,7 @@
 int main(int argc, char* argv[])
 {
     const std::string program_path = argc > 0 ? argv[0] : "";
+    AnswerHelpOrVersion(argc, argv, SONDAR_VERSION);
     // QApplication takes its own options out of argc and argv; the rest is ours.
     QApplication application(argc, argv);
     const CommandLine command_line = ParseCommandLine(std::vector<std::string>(argv, argv + argc));

@@ -13,6 +13,7 @@
 #include <iostream>
 #include <memory>
 
+#include "app/datafiles.h"
 #include "app/externaldialog.h"
 #include "foundation/str_util.h"
 #include "link/connector.h"
@@ -124,12 +125,16 @@ MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::strin
 {
     setAttribute(Qt::WA_DeleteOnClose);
 
+    const std::string description_path = DescriptionFilePath();
     std::string::size_type slash = program_path.rfind('\\');
     if (slash == std::string::npos)
         slash = program_path.rfind('/');
     _program_dir = slash == std::string::npos ? program_path : program_path.substr(0, slash + 1);
+    // An installed program's helpers lie with its description file, not beside the program.
+    if (description_path.rfind(InstalledDataDir(), 0) == 0)
+        _program_dir = InstalledDataDir();
 
-    std::ifstream description(DescriptionFilePath());
+    std::ifstream description(description_path);
     if (description)
         _doc.configure(description, std::cout);
 
@@ -206,9 +211,9 @@ MyFrame::MyFrame(QWidget* parent, const std::string& /*title*/, const std::strin
 
 std::string MyFrame::DescriptionFilePath()
 {
-    return (QCoreApplication::applicationDirPath() + QDir::separator() + QCoreApplication::applicationName() +
-            ".xml")
-        .toStdString();
+    return BesideOrInstalled((QCoreApplication::applicationDirPath() + QDir::separator() +
+                              QCoreApplication::applicationName() + ".xml")
+                                 .toStdString());
 }
 
 MyFrame::OtherTarget MyFrame::ParseOtherTarget(const std::string& text)

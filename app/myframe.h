@@ -85,13 +85,15 @@ public:
     };
 
     /// `title` is not used: the window's title comes from the description file. `program_path`
-    /// (argument 0) gives the program directory, and a path with "update" in it, case not
+    /// (argument 0) gives the program directory (the installed files' directory when the
+    /// description file is the installed one), and a path with "update" in it, case not
     /// counting, blanks the fourth column's header. The description file's instruments and then
     /// `instruments` join the list; a malformed file entry is reported on standard error.
     MyFrame(QWidget* parent, const std::string& title, const std::string& program_path,
             const std::vector<NamedInstrument>& instruments = {});
 
-    /// The description file's path: application directory, separator, application name, ".xml".
+    /// The description file's path: application directory, separator, application name, ".xml";
+    /// when there is none there, the installed one (app/datafiles.h).
     static std::string DescriptionFilePath();
 
     /// "Other..." text split at its first ":": no ":" or a port that is not a number from 1 to

@@ -11,6 +11,7 @@
 #include <QSettings>
 
 #include "app/aboutdialog.h"
+#include "app/datafiles.h"
 #include "app/myframe.h"
 #include "watch/plotexport.h"
 #include "watch/stationstatusdialog.h"
@@ -22,7 +23,7 @@ const char* const kApplication = "sondar";
 
 MyMainWindow::MyMainWindow(const std::string& title, const std::string& program_path,
                            const std::vector<NamedInstrument>& instruments)
-    : _about_text_path(AboutTextPath(program_path)),
+    : _about_text_path(BesideOrInstalled(AboutTextPath(program_path))),
       _frame(new MyFrame(this, title, program_path, instruments))
 {
     MyFrame* frame = _frame;

@@ -18,8 +18,8 @@ class MyMainWindow : public QMainWindow {
     Q_OBJECT
 public:
     /// `title` is not shown: the description file names the window. `program_path` (argument 0)
-    /// locates the About box's text and the panel's helper programs. The list shows `instruments`
-    /// besides those announced.
+    /// locates the About box's text (or the installed one, app/datafiles.h) and the panel's
+    /// helper programs. The list shows `instruments` besides those announced.
     MyMainWindow(const std::string& title, const std::string& program_path,
                  const std::vector<NamedInstrument>& instruments = {});
 

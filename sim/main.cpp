@@ -28,6 +28,7 @@
 //
 // Exit status: 0, 1 when the port or the file cannot be had, 2 for bad arguments.
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QHostAddress>
 #include <QSocketNotifier>
@@ -50,13 +51,16 @@
 
 namespace {
 
+const char* const kSynopsis =
+    "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--speed N]\n"
+    "                  [--announce]\n"
+    "       sondar-sim --stdio --model MODEL\n"
+    "       sondar-sim --dump-spectrum FILE\n"
+    "MODEL: tolvan, morvik, sarnel, dravik, quenta, halden, bremmel or ostrel\n";
+
 int usage()
 {
-    std::cerr << "usage: sondar-sim --model MODEL --name NAME [--port P] [--listen ADDR] [--rate HZ] [--speed N]\n"
-                 "                  [--announce]\n"
-                 "       sondar-sim --stdio --model MODEL\n"
-                 "MODEL: tolvan, morvik, sarnel, dravik, quenta, halden, bremmel or ostrel\n"
-                 "       sondar-sim --dump-spectrum FILE\n";
+    std::cerr << kSynopsis;
     return 2;
 }
 
@@ -144,7 +148,7 @@ bool quit_on_signals(QCoreApplication& application)
     return true;
 }
 
-int run_server(int argc, char** argv, std::map<std::string, std::string>& options)
+int run_server(QCoreApplication& application, std::map<std::string, std::string>& options)
 {
     const std::string model = options["--model"];
     auto instrument = SimInstrument::Make(model, options["--name"]);
@@ -173,7 +177,6 @@ int run_server(int argc, char** argv, std::map<std::string, std::string>& option
         return usage();
     }
 
-    QCoreApplication application(argc, argv);
     if (!quit_on_signals(application)) {
         std::cerr << "sondar-sim: " << std::strerror(errno) << '\n';
         return 1;
@@ -198,19 +201,46 @@ int run_server(int argc, char** argv, std::map<std::string, std::string>& option
 
 int main(int argc, char** argv)
 {
-    static const std::map<std::string, bool> takes_value{
-        {"--stdio", false}, {"--model", true},  {"--name", true},         {"--port", true},
-        {"--listen", true}, {"--rate", true},   {"--dump-spectrum", true}, {"--announce", false},
-        {"--speed", true},
+    static const struct {
+        const char* name;
+        const char* value_name;  // empty for a flag
+        const char* description;
+    } kOptions[] = {
+        {"model", "MODEL", "The model to simulate."},
+        {"name", "NAME", "The instrument's name."},
+        {"port", "P", "The port to listen on; by default the one where clients look for the model."},
+        {"listen", "ADDR", "The address to listen on; by default 127.0.0.1."},
+        {"rate", "HZ", "The data rate, one the model offers."},
+        {"speed", "N", "Lives N (1 to 100) times faster than the wall clock."},
+        {"announce", "", "Announces the instrument through DNS-SD as NAME of the type _arvex-MODEL._tcp."},
+        {"stdio", "", "Serves one document of MODEL on standard input and output, one message a line."},
+        {"dump-spectrum", "FILE", "Writes the spectrum of a simulated Tolvan's waveforms to FILE."},
     };
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(SONDAR_VERSION);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString("A simulated instrument.\n\n") + kSynopsis +
+                                     "\nExit status: 0, 1 when the port or the file cannot be had, 2 for bad "
+                                     "arguments.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    for (const auto& option : kOptions)
+        parser.addOption(QCommandLineOption(option.name, option.description, option.value_name));
+    if (!parser.parse(QCoreApplication::arguments())) {
+        std::cerr << "sondar-sim: " << parser.errorText().toStdString() << '\n';
+        return usage();
+    }
+    parser.process(application);  // answers --help and --version
+    if (!parser.positionalArguments().isEmpty())
+        return usage();
+
+    // Each option at most once; the options' names are found in the order given, repeats included.
     std::map<std::string, std::string> options;
-    for (int i = 1; i < argc; ++i) {
-        const auto option = takes_value.find(argv[i]);
-        if (option == takes_value.end() || options.count(option->first))
+    for (const QString& name : parser.optionNames()) {
+        const std::string key = "--" + name.toStdString();
+        if (options.count(key))
             return usage();
-        if (option->second && i + 1 >= argc)
-            return usage();
-        options[option->first] = option->second ? argv[++i] : "";
+        options[key] = parser.value(name).toStdString();
     }
 
     if (options.count("--dump-spectrum"))
@@ -219,5 +249,5 @@ int main(int argc, char** argv)
         return options.size() == 2 && options.count("--model") ? run_stdio(options["--model"]) : usage();
     if (!options.count("--model") || !options.count("--name"))
         return usage();
-    return run_server(argc, argv, options);
+    return run_server(application, options);
 }
