@@ -2,9 +2,22 @@
 
 #include <libpq-fe.h>
 
+#include <cctype>
 #include <memory>
 
 namespace {
+
+// libpq's messages span lines; the logger's status wants one.
+std::string one_line(std::string message)
+{
+    while (!message.empty() && std::isspace(static_cast<unsigned char>(message.back())))
+        message.pop_back();
+    std::string line;
+    for (char c : message)
+        if (!(std::isspace(static_cast<unsigned char>(c)) && !line.empty() && line.back() == ' '))
+            line += std::isspace(static_cast<unsigned char>(c)) ? ' ' : c;
+    return line;
+}
 
 using Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
 
@@ -37,10 +50,7 @@ PgStore::~PgStore()
 
 void PgStore::_Fail(const std::string& what) const
 {
-    std::string message = _conn ? PQerrorMessage(_conn) : "out of memory";
-    while (!message.empty() && message.back() == '\n')
-        message.pop_back();
-    throw Error(what + ": " + message);
+    throw Error(what + ": " + one_line(_conn ? PQerrorMessage(_conn) : "out of memory"));
 }
 
 void PgStore::_Connect()
@@ -49,9 +59,7 @@ void PgStore::_Connect()
         return;
     _conn = PQconnectdb(_uri.c_str());
     if (PQstatus(_conn) != CONNECTION_OK) {
-        std::string message = PQerrorMessage(_conn);
-        while (!message.empty() && message.back() == '\n')
-            message.pop_back();
+        const std::string message = one_line(PQerrorMessage(_conn));
         PQfinish(_conn);
         _conn = nullptr;
         throw Error("cannot connect: " + message);

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <libpq-fe.h>
-#include <sqlite3.h>
-
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -12,44 +9,9 @@
 
 #include "store/recorder.h"
 #include "store/store.h"
-#include "tests/store/pg_server.h"
+#include "tests/store/database.h"
 
 namespace {
-
-using Rows = std::vector<std::vector<std::string>>;
-
-// A query's result as texts, NULL as "".
-Rows query(const std::string& target, const std::string& sql)
-{
-    Rows rows;
-    if (target.compare(0, 7, "sqlite:") == 0) {
-        sqlite3* db = nullptr;
-        sqlite3_stmt* statement = nullptr;
-        sqlite3_open(target.substr(7).c_str(), &db);
-        EXPECT_EQ(sqlite3_prepare_v2(db, sql.c_str(), -1, &statement, nullptr), SQLITE_OK) << sqlite3_errmsg(db);
-        while (sqlite3_step(statement) == SQLITE_ROW) {
-            rows.emplace_back();
-            for (int i = 0; i < sqlite3_column_count(statement); ++i) {
-                const unsigned char* text = sqlite3_column_text(statement, i);
-                rows.back().emplace_back(text ? reinterpret_cast<const char*>(text) : "");
-            }
-        }
-        sqlite3_finalize(statement);
-        sqlite3_close(db);
-        return rows;
-    }
-    PGconn* conn = PQconnectdb(target.c_str());
-    PGresult* result = PQexec(conn, sql.c_str());
-    EXPECT_EQ(PQresultStatus(result), PGRES_TUPLES_OK) << PQerrorMessage(conn);
-    for (int r = 0; r < PQntuples(result); ++r) {
-        rows.emplace_back();
-        for (int i = 0; i < PQnfields(result); ++i)
-            rows.back().emplace_back(PQgetvalue(result, r, i));
-    }
-    PQclear(result);
-    PQfinish(conn);
-    return rows;
-}
 
 std::filesystem::path temporary(const std::string& name)
 {

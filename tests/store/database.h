@@ -1,11 +1,14 @@
 #pragma once
-// A PostgreSQL 15 server of a test's own: a cluster made by initdb in a temporary directory,
+// The databases of the store's and the logger's tests: a query that reads either store back, and
+// a PostgreSQL 15 server of a test's own: a cluster made by initdb in a temporary directory,
 // listening on a unix socket in that directory only (no TCP port), run as a user that is not
 // root (as "nobody" when the test runs as root). Stopped and removed at the end.
 
 #include <gtest/gtest.h>
 
+#include <libpq-fe.h>
 #include <pwd.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -13,6 +16,41 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
+
+using Rows = std::vector<std::vector<std::string>>;
+
+// A query's result as texts, NULL as ""; no rows when it fails.
+inline Rows query(const std::string& target, const std::string& sql)
+{
+    Rows rows;
+    if (target.compare(0, 7, "sqlite:") == 0) {
+        sqlite3* db = nullptr;
+        sqlite3_stmt* statement = nullptr;
+        sqlite3_open(target.substr(7).c_str(), &db);
+        sqlite3_prepare_v2(db, sql.c_str(), -1, &statement, nullptr);
+        while (statement && sqlite3_step(statement) == SQLITE_ROW) {
+            rows.emplace_back();
+            for (int i = 0; i < sqlite3_column_count(statement); ++i) {
+                const unsigned char* text = sqlite3_column_text(statement, i);
+                rows.back().emplace_back(text ? reinterpret_cast<const char*>(text) : "");
+            }
+        }
+        sqlite3_finalize(statement);
+        sqlite3_close(db);
+        return rows;
+    }
+    PGconn* conn = PQconnectdb(target.c_str());
+    PGresult* result = PQexec(conn, sql.c_str());
+    for (int r = 0; r < PQntuples(result); ++r) {
+        rows.emplace_back();
+        for (int i = 0; i < PQnfields(result); ++i)
+            rows.back().emplace_back(PQgetvalue(result, r, i));
+    }
+    PQclear(result);
+    PQfinish(conn);
+    return rows;
+}
 
 class PgServer {
 public:
