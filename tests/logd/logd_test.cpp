@@ -148,11 +148,11 @@ TEST(LogdTest, PostgresqlOutageLosesNothing)
     ASSERT_TRUE(QTest::qWaitFor([&] { return kinds(server.Uri()).size() == 1; }, TIMEOUT_MS));
     std::vector<Stamp> read = read_data(truth, 40);
 
-    ASSERT_TRUE(server.Stop());
+    ASSERT_TRUE(server.Stop()) << server.Log();
     const QDir spool(dir.filePath("spool"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !spool.entryList({"*.batch"}).isEmpty(); }, TIMEOUT_MS));
     QTest::qWait(10000);  // the outage itself, not a wait for something
-    ASSERT_TRUE(server.Start());
+    ASSERT_TRUE(server.Start()) << server.Log();
     ASSERT_TRUE(QTest::qWaitFor([&] { return kinds(server.Uri()).size() == 3; }, TIMEOUT_MS));
     for (const Stamp& stamp : read_data(truth, 40))
         read.push_back(stamp);

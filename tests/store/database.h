@@ -4,8 +4,6 @@
 // listening on a unix socket in that directory only (no TCP port), run as a user that is not
 // root (as "nobody" when the test runs as root). Stopped and removed at the end.
 
-#include <gtest/gtest.h>
-
 #include <libpq-fe.h>
 #include <pwd.h>
 #include <sqlite3.h>
@@ -59,7 +57,7 @@ public:
     PgServer()
     {
         if (!std::filesystem::exists(std::string(BIN) + "/pg_ctl")) {
-            ADD_FAILURE() << BIN << "/pg_ctl is missing: scripts/install-deps installs the postgresql package";
+            error = std::string(BIN) + "/pg_ctl is missing: scripts/install-deps installs the postgresql package";
             return;
         }
         char pattern[] = "/tmp/sondar-pg-XXXXXX";
@@ -67,7 +65,7 @@ public:
         if (getuid() == 0) {
             const passwd* nobody = getpwnam("nobody");
             if (!nobody || chown(_dir.c_str(), nobody->pw_uid, nobody->pw_gid) != 0) {
-                ADD_FAILURE() << "cannot hand " << _dir << " to the user nobody";
+                error = "cannot hand " + _dir + " to the user nobody";
                 return;
             }
             _as = "runuser -u nobody -- ";
@@ -105,13 +103,14 @@ public:
         std::ifstream in(_dir + "/log");
         std::stringstream text;
         text << in.rdbuf();
-        return text.str();
+        return error + text.str();
     }
 
     bool ready = false;
+    std::string error;  ///< what failed, if anything
 
 private:
-    bool _Run(const std::string& command) const
+    bool _Run(const std::string& command)
     {
         const std::string line = _as + BIN + "/" + command + " >>" + _dir + "/commands.log 2>&1";
         const bool ok = std::system(line.c_str()) == 0;
@@ -119,7 +118,7 @@ private:
             std::ifstream in(_dir + "/commands.log");
             std::stringstream text;
             text << in.rdbuf();
-            ADD_FAILURE() << line << " failed:\n" << text.str();
+            error += line + " failed:\n" + text.str();
         }
         return ok;
     }
