@@ -5,14 +5,12 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
-#include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <iostream>
 #include <sstream>
-#include <unistd.h>
 
+#include "foundation/signalpipe.h"
 #include "link/configdoc.h"
 #include "link/connector.h"
 #include "logd/stationlogger.h"
@@ -20,31 +18,6 @@
 #include "store/recorder.h"
 
 namespace {
-
-// SIGTERM and SIGINT end the event loop through a pipe: writing to it is all a handler may do.
-int signal_pipe[2] = {-1, -1};
-
-extern "C" void on_signal(int)
-{
-    const char byte = 1;
-    [[maybe_unused]] const ssize_t written = write(signal_pipe[1], &byte, 1);
-}
-
-bool quit_on_signals(QCoreApplication& application)
-{
-    if (pipe2(signal_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
-        return false;
-    auto* notifier = new QSocketNotifier(signal_pipe[0], QSocketNotifier::Read, &application);
-    QObject::connect(notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
-    struct sigaction action {};
-    action.sa_handler = on_signal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    return true;
-}
 
 int fail(const std::string& message)
 {
@@ -129,8 +102,11 @@ int main(int argc, char** argv)
     } catch (const std::exception& error) {
         return fail(error.what());
     }
-    if (!quit_on_signals(application))
+    const int signal_fd = signal_pipe_for_quit();
+    if (signal_fd < 0)
         return fail(std::strerror(errno));
+    QSocketNotifier on_signal(signal_fd, QSocketNotifier::Read);
+    QObject::connect(&on_signal, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
     // No window: a link's failure is one line on standard error.
     Connector::SetMessageBox([](QWidget*, const QString& title, const QString& text) {
         std::cerr << "sondar-logd: " << title.toStdString() << ": " << text.toStdString() << std::endl;
