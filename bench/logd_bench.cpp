@@ -120,19 +120,33 @@ Batch tolvan_batch(int instruments)
     return batch;
 }
 
-// Microseconds per row, the median of five.
-template <class Write>
-double per_row(size_t rows, Write write)
+double cpu_now()
 {
-    std::vector<double> times;
-    for (int i = 0; i < 5; ++i) {
-        const auto start = std::chrono::steady_clock::now();
-        write();
-        times.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count() /
-                        double(rows));
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return double(now.tv_sec) + double(now.tv_nsec) / 1e9;
+}
+
+double wall_now()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+// Microseconds per row of ours and of the bare loop, each the best of seven, taken in turns so
+// that both meet the same load; other work on the machine only ever adds.
+template <class Ours, class Bare>
+std::pair<double, double> per_row(size_t rows, double (*clock)(), Ours ours, Bare bare)
+{
+    double best_ours = 1e30, best_bare = 1e30;
+    for (int i = 0; i < 7; ++i) {
+        double start = clock();
+        ours();
+        best_ours = std::min(best_ours, (clock() - start) * 1e6 / double(rows));
+        start = clock();
+        bare();
+        best_bare = std::min(best_bare, (clock() - start) * 1e6 / double(rows));
     }
-    std::sort(times.begin(), times.end());
-    return times[2];
+    return {best_ours, best_bare};
 }
 
 // The cells of the batch as the store hands them to a database, made before any timing.
@@ -148,7 +162,10 @@ std::vector<std::vector<std::string>> cells_of(const Batch& batch)
 
 void run_limits(const std::string& pg_uri)
 {
-    const Batch batch = tolvan_batch(100);
+    // The instruments go in with the first batch, as they do in the logger.
+    const Batch first = tolvan_batch(100);
+    Batch batch = first;
+    batch.instruments.clear();
     const auto cells = cells_of(batch);
     std::string columns = "instrument_id, received_at, record_time";
     for (const std::string& column : *batch.rows[0].columns)
@@ -156,8 +173,7 @@ void run_limits(const std::string& pg_uri)
 
     const std::string file = temporary_directory() + "/limit.db";
     auto sqlite_store = Store::Open("sqlite:" + file);
-    sqlite_store->Write(batch);  // the schema exists before timing
-    const double sqlite_ours = per_row(batch.rows.size(), [&] { sqlite_store->Write(batch); });
+    sqlite_store->Write(first);  // the schema exists before timing
     sqlite3* db = nullptr;
     sqlite3_open(file.c_str(), &db);
     sqlite3_stmt* insert = nullptr;
@@ -166,7 +182,8 @@ void run_limits(const std::string& pg_uri)
         marks += ", ?";
     sqlite3_prepare_v2(db, ("INSERT INTO tolvan_data (" + columns + ") VALUES (" + marks + ")").c_str(), -1, &insert,
                        nullptr);
-    const double sqlite_bare = per_row(batch.rows.size(), [&] {
+    // In-process work: CPU time, which the disk's flush does not blur.
+    const auto [sqlite_ours, sqlite_bare] = per_row(batch.rows.size(), cpu_now, [&] { sqlite_store->Write(batch); }, [&] {
         sqlite3_exec(db, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
         for (const auto& row : cells) {
             for (size_t i = 0; i < row.size(); ++i)
@@ -180,14 +197,14 @@ void run_limits(const std::string& pg_uri)
     sqlite3_close(db);
 
     auto pg_store = Store::Open(pg_uri);
-    pg_store->Write(batch);
-    const double pg_ours = per_row(batch.rows.size(), [&] { pg_store->Write(batch); });
+    pg_store->Write(first);
     std::string copy;
     for (const auto& row : cells)
         for (size_t i = 0; i < row.size(); ++i)
             copy += row[i] + (i + 1 < row.size() ? '\t' : '\n');
     PGconn* conn = PQconnectdb(pg_uri.c_str());
-    const double pg_bare = per_row(batch.rows.size(), [&] {
+    // Most of the work is the server's: wall time.
+    const auto [pg_ours, pg_bare] = per_row(batch.rows.size(), wall_now, [&] { pg_store->Write(batch); }, [&] {
         PQclear(PQexec(conn, "BEGIN"));
         PQclear(PQexec(conn, ("COPY tolvan_data (" + columns + ") FROM STDIN").c_str()));
         PQputCopyData(conn, copy.data(), int(copy.size()));
@@ -198,12 +215,12 @@ void run_limits(const std::string& pg_uri)
     });
     PQfinish(conn);
 
-    std::printf("\nThe store's limit: one transaction of %zu Tolvan DATA rows, wall time per row (median of 5)\n",
+    std::printf("\nThe store's limit: one transaction of %zu Tolvan DATA rows, time per row (best of 7)\n",
                 batch.rows.size());
     std::printf("%-12s %14s %14s %8s\n", "store", "ours us/row", "bare us/row", "ratio");
-    std::printf("%-12s %14.2f %14.2f %8.2f   (bare: prepared insert loop)\n", "SQLite", sqlite_ours, sqlite_bare,
-                sqlite_ours / sqlite_bare);
-    std::printf("%-12s %14.2f %14.2f %8.2f   (bare: COPY)\n", "PostgreSQL", pg_ours, pg_bare, pg_ours / pg_bare);
+    std::printf("%-12s %14.2f %14.2f %8.2f   (bare: prepared insert loop)\n", "SQLite CPU", sqlite_ours,
+                sqlite_bare, sqlite_ours / sqlite_bare);
+    std::printf("%-12s %14.2f %14.2f %8.2f   (bare: COPY)\n", "PG wall", pg_ours, pg_bare, pg_ours / pg_bare);
 }
 
 }  // namespace

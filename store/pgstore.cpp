@@ -22,10 +22,14 @@ std::string one_line(std::string message)
 using Result = std::unique_ptr<PGresult, decltype(&PQclear)>;
 
 // One COPY text field: backslash, tab and line ends escaped; NULL for an empty text.
-void append_copy_field(std::string& out, const std::string& text)
+void append_copy_field(std::string& out, std::string_view text)
 {
     if (text.empty()) {
         out += "\\N";
+        return;
+    }
+    if (text.find_first_of("\\\t\n\r") == std::string_view::npos) {
+        out += text;
         return;
     }
     for (char c : text) {
@@ -41,7 +45,7 @@ void append_copy_field(std::string& out, const std::string& text)
 
 }  // namespace
 
-PgStore::PgStore(std::string uri) : _uri(std::move(uri)) {}
+PgStore::PgStore(std::string uri) : Store(false), _uri(std::move(uri)) {}
 
 PgStore::~PgStore()
 {
@@ -129,7 +133,7 @@ std::string PgStore::_TypeName(Type type) const
 }
 
 void PgStore::_Insert(const std::string& table, const std::vector<std::string>& columns,
-                      const std::vector<std::string>& cells)
+                      const std::vector<std::string_view>& cells)
 {
     std::string sql = "COPY " + quote_identifier(table) + " (";
     for (size_t i = 0; i < columns.size(); ++i)
@@ -155,9 +159,4 @@ void PgStore::_Insert(const std::string& table, const std::vector<std::string>& 
     }
     if (!ok)
         _Fail(sql);
-}
-
-void PgStore::_Widen(const std::string& table, const std::string& column)
-{
-    _Execute("ALTER TABLE " + quote_identifier(table) + " ALTER COLUMN " + quote_identifier(column) + " TYPE text");
 }

@@ -2,7 +2,8 @@
 
 #include <sqlite3.h>
 
-SqliteStore::SqliteStore(std::string path) : _path(std::move(path)) {}
+// A REAL column keeps a text that is no number as text.
+SqliteStore::SqliteStore(std::string path) : Store(true), _path(std::move(path)) {}
 
 SqliteStore::~SqliteStore()
 {
@@ -100,7 +101,7 @@ std::string SqliteStore::_TypeName(Type type) const
 }
 
 void SqliteStore::_Insert(const std::string& table, const std::vector<std::string>& columns,
-                          const std::vector<std::string>& cells)
+                          const std::vector<std::string_view>& cells)
 {
     std::string sql = "INSERT INTO " + quote_identifier(table) + " (";
     std::string values;
@@ -112,7 +113,7 @@ void SqliteStore::_Insert(const std::string& table, const std::vector<std::strin
     // Texts go in as they came; the columns' affinity makes numbers of numeric texts.
     for (size_t at = 0; at < cells.size(); at += columns.size()) {
         for (size_t i = 0; i < columns.size(); ++i) {
-            const std::string& cell = cells[at + i];
+            const std::string_view cell = cells[at + i];
             if (cell.empty())
                 sqlite3_bind_null(statement, int(i + 1));
             else

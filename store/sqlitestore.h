@@ -23,9 +23,7 @@ protected:
     std::map<std::string, bool> _Columns(const std::string& table) override;
     std::string _TypeName(Type type) const override;
     void _Insert(const std::string& table, const std::vector<std::string>& columns,
-                 const std::vector<std::string>& cells) override;
-    /// A REAL column keeps text that is no number as text: nothing to do.
-    void _Widen(const std::string&, const std::string&) override {}
+                 const std::vector<std::string_view>& cells) override;
 
 private:
     [[noreturn]] void _Fail(const std::string& what) const;

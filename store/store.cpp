@@ -16,13 +16,23 @@ int64_t now_us()
 
 std::string utc_text(int64_t us)
 {
+    // Rows come many to a second: the date and time of the last second are kept.
+    thread_local std::time_t last = -1;
+    thread_local char text[64];
     const std::time_t seconds = std::time_t(us / 1000000);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%06dZ", utc.tm_year + 1900, utc.tm_mon + 1,
-                  utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, int(us % 1000000));
-    return text;
+    if (seconds != last) {
+        std::tm utc{};
+        gmtime_r(&seconds, &utc);
+        std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.", utc.tm_year + 1900, utc.tm_mon + 1,
+                      utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec);
+        last = seconds;
+    }
+    std::string result(text, 20);
+    const int micro = int(us % 1000000);
+    result.resize(26);
+    for (int i = 25, rest = micro; i >= 20; --i, rest /= 10)
+        result[size_t(i)] = char('0' + rest % 10);
+    return result += 'Z';
 }
 
 std::string quote_identifier(const std::string& name)
@@ -92,26 +102,30 @@ void Store::_Transaction(const Batch& batch)
         _FitTable(key.first, fields, rows);
         std::vector<std::string> columns{"instrument_id", "received_at", "record_time"};
         columns.insert(columns.end(), fields.begin(), fields.end());
-        std::vector<std::string> cells;
+        // The cells point into the rows and into `made`, the texts made here.
+        std::vector<std::string> made;
+        made.reserve(rows.size() * 2);
+        std::vector<std::string_view> cells;
         cells.reserve(rows.size() * columns.size());
         char number[32];
         for (const Row* row : rows) {
             cells.push_back(_InstrumentId(row->instrument));
-            cells.push_back(utc_text(row->received_us));
-            std::snprintf(number, sizeof number, "%.17g", row->record_time);
-            cells.emplace_back(number);
+            cells.push_back(made.emplace_back(utc_text(row->received_us)));
+            cells.push_back(made.emplace_back(number, std::to_chars(number, number + sizeof number, row->record_time).ptr));
             for (size_t i = 0; i < fields.size(); ++i)
-                cells.push_back(i < row->values.size() ? row->values[i] : std::string());
+                cells.push_back(i < row->values.size() ? std::string_view(row->values[i]) : std::string_view());
         }
         _Insert(key.first, columns, cells);
     }
 
     if (batch.events.empty())
         return;
-    std::vector<std::string> cells;
+    std::vector<std::string> times;
+    times.reserve(batch.events.size());
+    std::vector<std::string_view> cells;
     for (const Event& event : batch.events) {
-        cells.push_back(event.instrument.empty() ? std::string() : _InstrumentId(event.instrument));
-        cells.push_back(utc_text(event.received_us));
+        cells.push_back(event.instrument.empty() ? std::string_view() : _InstrumentId(event.instrument));
+        cells.push_back(times.emplace_back(utc_text(event.received_us)));
         cells.push_back(event.kind);
         cells.push_back(event.text);
     }
@@ -161,19 +175,22 @@ void Store::_FitTable(const std::string& table, const std::vector<std::string>& 
         known = {{"instrument_id", false}, {"received_at", false}, {"record_time", true}};
     }
     for (size_t i = 0; i < fields.size(); ++i) {
+        auto column = known.find(fields[i]);
+        if (column != known.end() && (!column->second || _numbers_hold_text))
+            continue;
         bool numeric = true;
         for (const Row* row : rows)
             if (i < row->values.size() && !row->values[i].empty() && !is_number(row->values[i])) {
                 numeric = false;
                 break;
             }
-        auto column = known.find(fields[i]);
         if (column == known.end()) {
             _Execute("ALTER TABLE " + quoted + " ADD COLUMN " + quote_identifier(fields[i]) + " " +
                      _TypeName(numeric ? Type::Real : Type::Text));
             known[fields[i]] = numeric;
-        } else if (column->second && !numeric) {
-            _Widen(table, fields[i]);
+        } else if (!numeric) {
+            _Execute("ALTER TABLE " + quoted + " ALTER COLUMN " + quote_identifier(fields[i]) + " TYPE " +
+                     _TypeName(Type::Text));
             column->second = false;
         }
     }

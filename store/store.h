@@ -15,6 +15,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/batch.h"
@@ -39,6 +40,10 @@ public:
 protected:
     enum class Type { Key, Integer, Real, Text, Time };
 
+    /// `numbers_hold_text`: a numeric column takes text as it is (SQLite), rather than refuse it
+    /// (then a column that gets text is altered to text).
+    explicit Store(bool numbers_hold_text) : _numbers_hold_text(numbers_hold_text) {}
+
     /// Makes sure there is a connection; throws Error.
     virtual void _Connect() = 0;
     /// After a failed transaction: drop a connection that is gone.
@@ -52,9 +57,7 @@ protected:
     virtual std::string _TypeName(Type type) const = 0;
     /// Appends rows; `cells` holds columns.size() texts per row, "" for NULL.
     virtual void _Insert(const std::string& table, const std::vector<std::string>& columns,
-                         const std::vector<std::string>& cells) = 0;
-    /// Makes a numeric column text, since a value came that is no number.
-    virtual void _Widen(const std::string& table, const std::string& column) = 0;
+                         const std::vector<std::string_view>& cells) = 0;
 
 private:
     void _Transaction(const Batch& batch);
@@ -63,6 +66,7 @@ private:
     void _FitTable(const std::string& table, const std::vector<std::string>& columns, const std::vector<const Row*>& rows);
     std::map<std::string, bool>& _KnownColumns(const std::string& table);
 
+    const bool _numbers_hold_text;
     bool _schema_made = false;
     std::map<std::string, std::map<std::string, bool>> _tables;
     std::map<std::string, std::string> _ids;
