@@ -1,5 +1,14 @@
 #include "store/recorder.h"
 
+#include <algorithm>
+
+namespace {
+
+// What is held in memory while neither the database nor the spool takes it: minutes of a large site.
+constexpr size_t MAX_HELD_ROWS = 2000000;
+
+}  // namespace
+
 Recorder::Recorder(std::unique_ptr<Store> store, Spool spool, std::chrono::milliseconds batch)
     : _store(std::move(store)), _spool(std::move(spool)), _batch(batch)
 {
@@ -110,11 +119,18 @@ void Recorder::_Deliver(Batch batch, bool last)
         if (!batch.Empty())
             _spool.Push(batch);
     } catch (const Spool::Error& error) {
-        // Neither the database nor the disk takes it: it stays in memory for the next period.
-        _Failed(error.what());
+        // Neither the database nor the disk takes it: it stays in memory for the next period, up
+        // to a bound, beyond which the oldest rows go (and say so).
+        std::string message = error.what();
+        const size_t over = batch.rows.size() + _pending.rows.size() > MAX_HELD_ROWS
+                                ? std::min(batch.rows.size(), batch.rows.size() + _pending.rows.size() - MAX_HELD_ROWS)
+                                : 0;
+        if (over > 0)
+            message += "; " + std::to_string(over) + " rows dropped";
+        _Failed(message);
         std::lock_guard<std::mutex> lock(_mutex);
         _pending.instruments.insert(_pending.instruments.begin(), batch.instruments.begin(), batch.instruments.end());
-        _pending.rows.insert(_pending.rows.begin(), batch.rows.begin(), batch.rows.end());
+        _pending.rows.insert(_pending.rows.begin(), batch.rows.begin() + std::ptrdiff_t(over), batch.rows.end());
         _pending.events.insert(_pending.events.begin(), batch.events.begin(), batch.events.end());
         _oldest = std::chrono::steady_clock::now();
         return;

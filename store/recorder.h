@@ -2,7 +2,8 @@
 // The logger's writer: takes records as they arrive, and on a thread of its own commits them in
 // one transaction per batch period. While the database cannot be reached, batches go to the
 // spool, and once it answers again they are delivered first, in the order they came. Nothing that
-// was handed over is dropped: a batch either is committed or waits in the spool.
+// was handed over is dropped: a batch either is committed or waits in the spool; only while the
+// spool cannot be written either are rows held in memory, two million at most (the oldest go).
 
 #include <chrono>
 #include <condition_variable>
