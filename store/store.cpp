@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <ctime>
+#include <strings.h>
 
 #include "store/pgstore.h"
 #include "store/sqlitestore.h"
@@ -45,11 +46,34 @@ std::string quote_identifier(const std::string& name)
 
 bool is_number(const std::string& text)
 {
-    double value;
-    const char* begin = text.data() + (!text.empty() && text[0] == '+');
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(begin, end, value);
-    return error == std::errc() && stop == end && begin != end;
+    // By syntax, which is all both databases ask: [+-] digits [. digits] [e [+-] digits], or inf,
+    // infinity, nan in any case.
+    const char* at = text.c_str();
+    if (*at == '+' || *at == '-')
+        ++at;
+    if (strcasecmp(at, "inf") == 0 || strcasecmp(at, "infinity") == 0 || strcasecmp(at, "nan") == 0)
+        return true;
+    const auto digits = [&at] {
+        const char* start = at;
+        while (*at >= '0' && *at <= '9')
+            ++at;
+        return at - start;
+    };
+    long mantissa = digits();
+    if (*at == '.') {
+        ++at;
+        mantissa += digits();
+    }
+    if (mantissa == 0)
+        return false;
+    if (*at == 'e' || *at == 'E') {
+        ++at;
+        if (*at == '+' || *at == '-')
+            ++at;
+        if (digits() == 0)
+            return false;
+    }
+    return at == text.c_str() + text.size();
 }
 
 std::unique_ptr<Store> Store::Open(const std::string& target)
