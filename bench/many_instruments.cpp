@@ -10,18 +10,13 @@
 #include <QEventLoop>
 #include <QTimer>
 
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "bench/child.h"
