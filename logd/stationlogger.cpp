@@ -9,6 +9,13 @@
 
 namespace {
 
+// How good an announced address is to dial: IPv4, then IPv6 link-local (with its interface), then
+// any other IPv6 (which a service on IPv4 alone does not answer).
+int rank(const SocketAddress& address)
+{
+    return address.Family() == Socket::IPv4 ? 2 : address.IsLinkLocal() ? 1 : 0;
+}
+
 std::string lower(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(std::tolower(c)); });
@@ -22,9 +29,9 @@ class StationLogger::Tap : public QObject, public Connector::Listener {
 public:
     Tap(Recorder& recorder, const std::set<std::string>& records, const NamedInstrument& instrument)
         : _recorder(recorder), _records(records), _name(instrument.name), _model(instrument.model),
-          _link(Connector::Factory(nullptr, instrument.name, instrument.model)), _redialer(*_link)
+          _address(instrument.address), _link(Connector::Factory(nullptr, instrument.name, instrument.model)),
+          _redialer(*_link)
     {
-        _recorder.Add(InstrumentEntry{_name, _model, instrument.address.Presentation(), instrument.address.Port()});
         connect(_link.get(), &Connector::Connected, this, [this] {
             _connected = true;
             _recorder.Add(Event{_name, now_us(), "connected", _link->ConnectedTo()});
@@ -37,11 +44,20 @@ public:
         _link->RegisterListener("DATAEVENT", this);
         if (_Wants("DATACLOCK"))
             _link->RegisterListener("DATACLOCK", this);
-        _redialer.Dial(instrument.address.Presentation(), int(instrument.address.Scope()), instrument.address.Port());
+        _Dial();
     }
     ~Tap() override { _link->UnRegisterListener(this); }
 
     bool IsConnected() const { return _connected; }
+
+    /// Another address of the instrument: dialed from now on if it is a better one.
+    void Offer(const SocketAddress& address)
+    {
+        if (rank(address) <= rank(_address))
+            return;
+        _address = address;
+        _Dial();
+    }
 
     // A header names the columns of its data record; the data record is listened to from now on.
     void GotConnectorHeaderMatch(Connector& link, std::string header) override
@@ -103,6 +119,12 @@ private:
         std::vector<int> places;  // per header field: its column, or -1 when it is not kept
     };
 
+    void _Dial()
+    {
+        _recorder.Add(InstrumentEntry{_name, _model, _address.Presentation(), _address.Port()});
+        _redialer.Dial(_address.Presentation(), int(_address.Scope()), _address.Port());
+    }
+
     bool _Wants(const std::string& record)
     {
         // DATADIAG is the connector's own unpacking of DATASTAT's DIAG field.
@@ -117,6 +139,7 @@ private:
     Recorder& _recorder;
     const std::set<std::string>& _records;
     const std::string _name, _model;
+    SocketAddress _address;
     std::shared_ptr<Connector> _link;
     Redialer _redialer;
     bool _connected = false;
@@ -155,9 +178,13 @@ void StationLogger::AddService(std::string name, std::string type, std::string, 
 {
     if (!type.empty() && type.back() == '.')
         type.pop_back();
-    for (const std::string& model : NamedInstrument::Models())
-        if (NamedInstrument::ServiceTypeOf(model) == type)
-            Add(NamedInstrument{name, model, address});
+    // An instrument named by hand keeps the address it was given.
+    if (_browsed.count(name))
+        _taps[name]->Offer(address);
+    else
+        for (const std::string& model : NamedInstrument::Models())
+            if (NamedInstrument::ServiceTypeOf(model) == type && Add(NamedInstrument{name, model, address}))
+                _browsed.insert(name);
 }
 
 bool StationLogger::ServiceError(std::string message)

@@ -27,7 +27,8 @@ public:
 
     /// Logs `instrument` from now on; false, and nothing changes, when one of that name is logged.
     bool Add(const NamedInstrument& instrument);
-    /// Logs every instrument that DNS-SD announces, of any model, at the first address it reports.
+    /// Logs every instrument that DNS-SD announces, of any model, at the best address it reports:
+    /// IPv4, else IPv6 link-local, else any.
     void Browse();
 
     int Connected() const;
@@ -44,5 +45,6 @@ private:
     Recorder& _recorder;
     const std::set<std::string> _records;
     std::map<std::string, std::unique_ptr<Tap>> _taps;
+    std::set<std::string> _browsed;  // the names that DNS-SD brought
     std::unique_ptr<BonjourClient> _client;
 };

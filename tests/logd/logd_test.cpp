@@ -165,3 +165,22 @@ TEST(LogdTest, PostgresqlOutageLosesNothing)
     EXPECT_EQ(kinds(server.Uri()), (std::vector<std::string>{"connected", "spooled", "replayed", "disconnected"}));
     EXPECT_TRUE(spool.entryList({"*.batch"}).isEmpty());
 }
+
+// With --browse, an instrument that announces itself is logged (inside mdns_sandbox.sh only).
+TEST(LogdTest, BrowseLogsWhatIsAnnounced)
+{
+    if (qEnvironmentVariableIsEmpty("SONDAR_MDNS_SANDBOX"))
+        GTEST_SKIP() << "needs the private daemon: run through tests/discovery/mdns_sandbox.sh";
+    QTemporaryDir dir;
+    SimProcess halden({"--model", "halden", "--name", "announced-halden", "--announce"});
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        halden.output += halden.process.readAllStandardOutput();
+        return halden.output.contains("announced announced-halden");
+    }, TIMEOUT_MS));
+    const std::string target = "sqlite:" + dir.filePath("browsed.db").toStdString();
+    Logd logd(dir.path(), {"--browse", "--db", QString::fromStdString(target), "--batch-ms", "100"});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !query(target, "SELECT 1 FROM halden_data").empty(); }, TIMEOUT_MS));
+    ASSERT_TRUE(logd.Terminate());
+    EXPECT_EQ(query(target, "SELECT name, model, address, port FROM instruments"),
+              (Rows{{"announced-halden", "halden", "127.0.0.1", std::to_string(halden.port)}}));
+}
