@@ -73,7 +73,7 @@ public:
         for (const std::string& field : link.Header(header)) {
             const std::string column = lower(field);
             const auto known = std::find(columns->begin(), columns->end(), column);
-            if (field == "CHK" || column == "instrument_id" || column == "received_at" || column == "record_time") {
+            if (column == "chk" || column == "instrument_id" || column == "received_at" || column == "record_time") {
                 plan.places.push_back(-1);
             } else {
                 plan.places.push_back(int(known - columns->begin()));
