@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/logd_bench.h"
 #include "bench/many_instruments.h"
 #include "bench/ratio.h"
 
@@ -46,8 +47,8 @@ private:
 };
 
 // Takes the bench's own flags out of argv: --many=1,10,50,100 (or none), --many_seconds=S,
-// --many_port=P.
-ManyOptions many_options(int& argc, char** argv)
+// --many_port=P, --logd=1,10,100 (default none), --logd_seconds=S.
+ManyOptions many_options(int& argc, char** argv, LogdOptions& logd)
 {
     ManyOptions options;
     options.sim = SONDAR_SIM;
@@ -64,6 +65,12 @@ ManyOptions many_options(int& argc, char** argv)
             options.seconds = std::atof(arg + 15);
         } else if (std::strncmp(arg, "--many_port=", 12) == 0) {
             options.first_port = std::atoi(arg + 12);
+        } else if (std::strncmp(arg, "--logd=", 7) == 0) {
+            std::istringstream list(arg + 7);
+            for (std::string item; std::getline(list, item, ',');)
+                logd.counts.push_back(std::atoi(item.c_str()));
+        } else if (std::strncmp(arg, "--logd_seconds=", 15) == 0) {
+            logd.seconds = std::atof(arg + 15);
         } else {
             argv[kept++] = argv[i];
         }
@@ -76,7 +83,10 @@ ManyOptions many_options(int& argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const ManyOptions many = many_options(argc, argv);
+    LogdOptions logd;
+    logd.sim = SONDAR_SIM;
+    logd.logd = SONDAR_LOGD;
+    const ManyOptions many = many_options(argc, argv, logd);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
@@ -84,6 +94,8 @@ int main(int argc, char** argv)
     // the allocator keeps, which would count as the connectors' resident set.
     if (!many.counts.empty())
         RunManyInstruments(many);
+    if (!logd.counts.empty())
+        RunLogdBench(logd);
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     for (const Ratio& r : ratios()) {

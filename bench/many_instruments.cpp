@@ -10,89 +10,21 @@
 #include <QEventLoop>
 #include <QTimer>
 
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include "bench/child.h"
 #include "link/connector.h"
 
 namespace {
 
 constexpr int RATE_HZ = 40;
-
-// A simulator started with fork and exec rather than QProcess: QProcess watches each child with
-// a pipe and a process descriptor in the event loop, and a hundred of those in this process's
-// poll set would be counted as the connectors' cost. The simulator dies with this process,
-// however this process ends.
-class Sim {
-public:
-    Sim(const std::string& exe, const std::vector<std::string>& args)
-    {
-        int out[2];
-        if (pipe2(out, O_CLOEXEC) != 0)
-            return;
-        std::vector<char*> argv{const_cast<char*>(exe.c_str())};
-        for (const std::string& arg : args)
-            argv.push_back(const_cast<char*>(arg.c_str()));
-        argv.push_back(nullptr);
-        const pid_t parent = getpid();
-        _pid = fork();
-        if (_pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            if (getppid() != parent)
-                _exit(1);
-            dup2(out[1], STDOUT_FILENO);
-            const int null = open("/dev/null", O_WRONLY);  // its "left" line for every client
-            dup2(null, STDERR_FILENO);
-            execv(argv[0], argv.data());
-            _exit(127);
-        }
-        close(out[1]);
-        _out = out[0];
-    }
-
-    ~Sim()
-    {
-        if (_pid > 0) {
-            kill(_pid, SIGKILL);
-            waitpid(_pid, nullptr, 0);
-        }
-        if (_out >= 0)
-            close(_out);
-    }
-
-    Sim(const Sim&) = delete;
-    Sim& operator=(const Sim&) = delete;
-
-    // Waits until the simulator prints "listening on ADDRESS:PORT"; false if it says anything
-    // else, ends, or `deadline` passes first.
-    bool WaitListening(const QDeadlineTimer& deadline)
-    {
-        std::string line;
-        char c;
-        while (_pid > 0 && line.find('\n') == std::string::npos) {
-            pollfd wait{_out, POLLIN, 0};
-            if (poll(&wait, 1, int(deadline.remainingTime())) <= 0 || read(_out, &c, 1) != 1)
-                return false;
-            line += c;
-        }
-        return line.rfind("listening on", 0) == 0;
-    }
-
-private:
-    pid_t _pid = -1;
-    int _out = -1;  // its standard output, kept open so that it never writes into a closed pipe
-};
 
 double cpu_seconds()
 {
@@ -170,7 +102,7 @@ private:
     bool _StartSims(Row& row)
     {
         for (int i = 0; i < _n; ++i)
-            _sims.push_back(std::make_unique<Sim>(
+            _sims.push_back(std::make_unique<Child>(
                 _options.sim, std::vector<std::string>{"--model", "tolvan", "--name", "many" + std::to_string(i),
                                                        "--port", std::to_string(_options.first_port + i), "--rate",
                                                        std::to_string(RATE_HZ)}));
@@ -205,7 +137,7 @@ private:
 
     const ManyOptions& _options;
     int _n;
-    std::vector<std::unique_ptr<Sim>> _sims;
+    std::vector<std::unique_ptr<Child>> _sims;
     RecordCounter _counter;
     std::vector<std::unique_ptr<Connector>> _connectors;
 };

@@ -49,7 +49,8 @@ class Connector : public QObject {
 
 public:
     /// Told about records as they arrive; every operation does nothing unless overridden.
-    /// A listener must not register or unregister from inside a notification.
+    /// A listener must not register or unregister from inside a notification, except to register
+    /// for another record than the one being told about.
     class Listener {
     public:
         virtual ~Listener() = default;

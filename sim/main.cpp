@@ -33,16 +33,14 @@
 #include <QHostAddress>
 #include <QSocketNotifier>
 
-#include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <string>
-#include <unistd.h>
 
+#include "foundation/signalpipe.h"
 #include "sim/served_document.h"
 #include "sim/sim_announcer.h"
 #include "sim/sim_instrument.h"
@@ -121,30 +119,14 @@ int dump_spectrum(const std::string& path)
     return 0;
 }
 
-// SIGINT and SIGTERM end the event loop through a pipe: writing to it is all that a handler
-// may safely do.
-int signal_pipe[2] = {-1, -1};
-
-extern "C" void on_signal(int)
-{
-    const char byte = 1;
-    [[maybe_unused]] const ssize_t written = write(signal_pipe[1], &byte, 1);
-}
-
+// SIGINT and SIGTERM end the event loop.
 bool quit_on_signals(QCoreApplication& application)
 {
-    if (pipe2(signal_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
+    const int fd = signal_pipe_for_quit();
+    if (fd < 0)
         return false;
-    auto* notifier = new QSocketNotifier(signal_pipe[0], QSocketNotifier::Read, &application);
+    auto* notifier = new QSocketNotifier(fd, QSocketNotifier::Read, &application);
     QObject::connect(notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
-    struct sigaction action {};
-    action.sa_handler = on_signal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    // A client gone mid-write is noticed by its socket, not by a signal that ends the process.
-    std::signal(SIGPIPE, SIG_IGN);
     return true;
 }
 
