@@ -8,19 +8,14 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <sstream>
+#include <algorithm>
 
 #include "libskarn/docdravik.h"
 #include "service/calhistory.h"
+#include "service/commands.h"
+#include "service/leaftext.h"
 
 namespace {
-
-QString stream_text(float value)
-{
-    std::ostringstream out;
-    out << value;
-    return QString::fromStdString(out.str());
-}
 
 // The four analyser channels, in the order of their groups and of the span gas fields.
 const char* const CHANNELS[] = {"co2a", "co2b", "h2oa", "h2ob"};
@@ -159,7 +154,8 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
          0, undo, redo);
 
     _UpdateFromXML();
-    resize(900, sizeHint().height());
+    // At least 900 wide, and as wide as the groups need for their fields.
+    resize(std::max(900, sizeHint().width()), sizeHint().height());
 }
 
 void CalDravikDialog::OnCO2AZeroClicked() { _Command("co2azero"); }
@@ -187,8 +183,7 @@ void CalDravikDialog::OnRedoClicked() {}
 
 void CalDravikDialog::OnOxygenApplyClicked()
 {
-    emit SendRawXML("<arvex><dravik><cal><oxygen>" + _fields.back().edit->text().toStdString() +
-                    "</oxygen></cal></dravik></arvex>\n");
+    emit SendRawXML(CalLine("dravik", "oxygen", _fields.back().edit->text().toStdString()));
 }
 
 void CalDravikDialog::_ClearOldRecords()
@@ -198,24 +193,19 @@ void CalDravikDialog::_ClearOldRecords()
 
 void CalDravikDialog::_Command(const std::string& element)
 {
-    emit SendRawXML("<arvex><dravik><cmd><" + element + ">true</" + element + "></cmd></dravik></arvex>\n");
+    emit SendRawXML(CommandLine("dravik", element));
 }
 
 void CalDravikDialog::_Span(int channel, int n)
 {
-    const std::string ch = CHANNELS[channel];
-    const std::string gas = _fields[size_t(channel * 2 + n - 1)].edit->text().toStdString();
-    const std::string conc = ch + "spanconc" + std::to_string(n);
-    const std::string span = ch + "span" + std::to_string(n);
-    emit SendRawXML("<arvex><dravik><cal><" + conc + ">" + gas + "</" + conc + "></cal><cmd><" + span + ">true</" +
-                    span + "></cmd></dravik></arvex>\n");
+    emit SendRawXML(DravikSpanLine(CHANNELS[channel], n, _fields[size_t(channel * 2 + n - 1)].edit->text().toStdString()));
 }
 
 void CalDravikDialog::_UpdateFromXML()
 {
     ConfigCalDravik& cal = _doc->Conf().Cal();
     for (const _Value& value : _values)
-        value.label->setText(value.prefix + stream_text((cal.*value.leaf)().get()));
+        value.label->setText(value.prefix + StreamText((cal.*value.leaf)().get()));
     for (const _Field& field : _fields)
         field.edit->setText(QString::number((cal.*field.leaf)().get(), 'f', 1));
     _history->SetRows(CalDravikHistoryRows(_doc->Conf().History()));

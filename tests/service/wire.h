@@ -75,6 +75,25 @@ struct Wire : FakeInstrument {
         EXPECT_TRUE(changed.wait(WIRE_TIMEOUT_MS)) << line;
     }
 
+    /// Every byte sent since the last call, held-back changes included: what lies on the socket
+    /// ahead of a mark of the test's own.
+    std::string Sent()
+    {
+        connector->OnSendXMLTimerTimeout();
+        connector->OnSendRawXML("<mark/>\n");
+        std::string bytes, line;
+        for (QDeadlineTimer deadline(WIRE_TIMEOUT_MS); !deadline.hasExpired(); socket->waitForReadyRead(5)) {
+            QCoreApplication::processEvents();  // the connector's socket writes
+            while (socket->canReadLine())
+                if ((line = socket->readLine().toStdString()) == "<mark/>\n")
+                    return bytes;
+                else
+                    bytes += line;
+        }
+        ADD_FAILURE() << "no mark";
+        return bytes;
+    }
+
     DocTolvan& Doc() { return connector->Doc_Tolvan(); }
 
     std::shared_ptr<Connector> connector;
