@@ -99,12 +99,6 @@ struct Wire : FakeInstrument {
     std::shared_ptr<Connector> connector;
 };
 
-/// The line of a one-shot command `element` to a `model`.
-inline std::string command(const std::string& model, const std::string& element)
-{
-    return "<arvex><" + model + "><cmd><" + element + ">true</" + element + "></cmd></" + model + "></arvex>\n";
-}
-
 /// Presses the button labelled `label` of the message box that the next call opens; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)
 {
