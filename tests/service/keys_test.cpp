@@ -35,37 +35,48 @@ QWidget* raw(Wire& wire, D* dialog)
     wire.JoinRaw(dialog);
     return dialog;
 }
-template <class D>
-QWidget* editor(Wire& wire, D* dialog)
+
+using Open = std::function<QWidget*(Wire&)>;
+template <class D, class Doc>
+Open panel(Doc& (Connector::*doc)())
 {
-    wire.Join(dialog);
-    QObject::connect(dialog, &D::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
-    return dialog;
+    return [=](Wire& w) { return raw(w, new D(nullptr, "i", &(*w.connector.*doc)(), false)); };
+}
+template <class D, class Doc>
+Open advanced(Doc& (Connector::*doc)())
+{
+    return [=](Wire& w) {
+        auto* dialog = new D(nullptr, "i", &(*w.connector.*doc)());
+        w.Join(dialog);
+        QObject::connect(dialog, &D::CalUpdated, w.connector.get(), &Connector::OnForceXMLUpdate);
+        return dialog;
+    };
+}
+template <class D, class Doc>
+Open generic(Doc& (Connector::*doc)())
+{
+    return [=](Wire& w) { return raw(w, new D(nullptr, "i", (*w.connector.*doc)())); };
 }
 
 struct Opened {
     const char* what;
     const char* model;
-    std::function<QWidget*(Wire&)> open;
+    Open open;
 };
 
 const Opened WINDOWS[] = {
-    {"Tolvan calibration", "tolvan", [](Wire& w) { return raw(w, new CalTolvanDialog(nullptr, "t", &w.Doc(), false)); }},
+    {"Tolvan calibration", "tolvan", panel<CalTolvanDialog>(&Connector::Doc_Tolvan)},
     {"Tolvan calibration alone", "tolvan",
      [](Wire& w) {  // as the "cal" main window holds it
          auto* window = new QMainWindow;
          window->setCentralWidget(raw(w, new CalTolvanDialog(window, "t", &w.Doc(), true)));
          return window;
      }},
-    {"Tolvan advanced", "tolvan", [](Wire& w) { return editor(w, new CalAdvancedDialog(nullptr, "t", &w.Doc())); }},
-    {"Dravik calibration", "dravik",
-     [](Wire& w) { return raw(w, new CalDravikDialog(nullptr, "d", &w.connector->Doc_Dravik(), false)); }},
-    {"Dravik advanced", "dravik",
-     [](Wire& w) { return editor(w, new CalDravikAdvancedDialog(nullptr, "d", &w.connector->Doc_Dravik())); }},
-    {"Halden calibration", "halden",
-     [](Wire& w) { return raw(w, new CalHaldenDialog(nullptr, "h", &w.connector->Doc_Halden(), false)); }},
-    {"Halden advanced", "halden",
-     [](Wire& w) { return editor(w, new CalHaldenAdvancedDialog(nullptr, "h", &w.connector->Doc_Halden())); }},
+    {"Tolvan advanced", "tolvan", advanced<CalAdvancedDialog>(&Connector::Doc_Tolvan)},
+    {"Dravik calibration", "dravik", panel<CalDravikDialog>(&Connector::Doc_Dravik)},
+    {"Dravik advanced", "dravik", advanced<CalDravikAdvancedDialog>(&Connector::Doc_Dravik)},
+    {"Halden calibration", "halden", panel<CalHaldenDialog>(&Connector::Doc_Halden)},
+    {"Halden advanced", "halden", advanced<CalHaldenAdvancedDialog>(&Connector::Doc_Halden)},
     {"Laser temperature", "tolvan",
      [](Wire& w) {
          auto* dialog = new TempTolvanDialog(nullptr, "t", &w.Doc());
@@ -82,24 +93,15 @@ const Opened WINDOWS[] = {
      [](Wire& w) { return raw(w, new FactoryTolvanDialog(nullptr, "t", &w.Doc().Conf().Factory())); }},
     {"Morvik factory", "morvik",
      [](Wire& w) { return raw(w, new FactoryMorvikDialog(nullptr, "m", &w.connector->Doc_Morvik().Conf().Factory())); }},
-    {"Quenta configuration", "quenta",
-     [](Wire& w) { return raw(w, new ConfigQuentaDialog(nullptr, "q", w.connector->Doc_Quenta())); }},
-    {"Quenta factory", "quenta",
-     [](Wire& w) { return raw(w, new FactoryQuentaDialog(nullptr, "q", w.connector->Doc_Quenta())); }},
-    {"Dravik configuration", "dravik",
-     [](Wire& w) { return raw(w, new ConfigDravikDialog(nullptr, "d", w.connector->Doc_Dravik())); }},
-    {"Dravik factory", "dravik",
-     [](Wire& w) { return raw(w, new FactoryDravikDialog(nullptr, "d", w.connector->Doc_Dravik())); }},
-    {"Dravik output", "dravik",
-     [](Wire& w) { return raw(w, new OutputDravikDialog(nullptr, "d", w.connector->Doc_Dravik())); }},
-    {"Halden configuration", "halden",
-     [](Wire& w) { return raw(w, new ConfigHaldenDialog(nullptr, "h", w.connector->Doc_Halden())); }},
-    {"Halden factory", "halden",
-     [](Wire& w) { return raw(w, new FactoryHaldenDialog(nullptr, "h", w.connector->Doc_Halden())); }},
-    {"Bremmel configuration", "bremmel",
-     [](Wire& w) { return raw(w, new ConfigBremmelDialog(nullptr, "b", w.connector->Doc_Bremmel())); }},
-    {"Bremmel factory", "bremmel",
-     [](Wire& w) { return raw(w, new FactoryBremmelDialog(nullptr, "b", w.connector->Doc_Bremmel())); }},
+    {"Quenta configuration", "quenta", generic<ConfigQuentaDialog>(&Connector::Doc_Quenta)},
+    {"Quenta factory", "quenta", generic<FactoryQuentaDialog>(&Connector::Doc_Quenta)},
+    {"Dravik configuration", "dravik", generic<ConfigDravikDialog>(&Connector::Doc_Dravik)},
+    {"Dravik factory", "dravik", generic<FactoryDravikDialog>(&Connector::Doc_Dravik)},
+    {"Dravik output", "dravik", generic<OutputDravikDialog>(&Connector::Doc_Dravik)},
+    {"Halden configuration", "halden", generic<ConfigHaldenDialog>(&Connector::Doc_Halden)},
+    {"Halden factory", "halden", generic<FactoryHaldenDialog>(&Connector::Doc_Halden)},
+    {"Bremmel configuration", "bremmel", generic<ConfigBremmelDialog>(&Connector::Doc_Bremmel)},
+    {"Bremmel factory", "bremmel", generic<FactoryBremmelDialog>(&Connector::Doc_Bremmel)},
 };
 
 // What takes the keyboard but the buttons: fields, lists, trees, radio buttons and check boxes.
@@ -247,7 +249,6 @@ TEST(CommandLines, ReadAsTheInstrumentReadsThemWithTypedTextsAsTyped)
         {DravikSpanLine("h2ob", 2, "1,2e3 x"), "<arvex><dravik><cal><h2obspanconc2>1,2e3 x</h2obspanconc2></cal>"
                                                "<cmd><h2obspan2>true</h2obspan2></cmd></dravik></arvex>\n"},
         {RebootLine("sarnel"), "<arvex><morvik><cmd><reboot>true</reboot></cmd></morvik></arvex>\n"},
-        {RebootLine("halden"), "<arvex><halden><cmd><reboot>true</reboot></cmd></halden></arvex>\n"},
     };
     for (const auto& [built, line] : cases)
         EXPECT_EQ(built, line);
