@@ -17,6 +17,14 @@
 
 namespace {
 
+// A field never so narrow that a concentration such as "10000.0" is cut.
+QLineEdit* gas_field(const char* text)
+{
+    auto* field = new QLineEdit(text);
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance("000000.0"));
+    return field;
+}
+
 // The four analyser channels, in the order of their groups and of the span gas fields.
 const char* const CHANNELS[] = {"co2a", "co2b", "h2oa", "h2ob"};
 
@@ -96,7 +104,7 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
             layout->addWidget(label, row, 0);
             _values.push_back({label, QString(rows[row].label) + " ", rows[row].leaf});
             if (rows[row].gas) {
-                auto* gas = new QLineEdit(rows[row].gas);
+                auto* gas = gas_field(rows[row].gas);
                 layout->addWidget(gas, row, 1);
                 _fields.push_back({gas, rows[row].conc});
             }
@@ -108,7 +116,7 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
 
     auto* oxygen = new QGroupBox("Oxygen %");
     auto* oxygen_layout = new QGridLayout(oxygen);
-    auto* oxygen_field = new QLineEdit("21");
+    auto* oxygen_field = gas_field("21");
     oxygen_layout->addWidget(oxygen_field, 0, 1);
     _fields.push_back({oxygen_field, &ConfigCalDravik::Oxygen});
     button("Apply", oxygen_layout, 0, &CalDravikDialog::OnOxygenApplyClicked);
@@ -154,8 +162,8 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
          0, undo, redo);
 
     _UpdateFromXML();
-    // At least 900 wide, and as wide as the groups need for their fields.
-    resize(std::max(900, sizeHint().width()), sizeHint().height());
+    // At least 900 wide, and wider where the groups need it for their fields.
+    resize(std::max(900, minimumSizeHint().width()), sizeHint().height());
 }
 
 void CalDravikDialog::OnCO2AZeroClicked() { _Command("co2azero"); }
