@@ -206,7 +206,8 @@ void CalDravikDialog::_Command(const std::string& element)
 
 void CalDravikDialog::_Span(int channel, int n)
 {
-    emit SendRawXML(DravikSpanLine(CHANNELS[channel], n, _fields[size_t(channel * 2 + n - 1)].edit->text().toStdString()));
+    const std::string gas = _fields[size_t(channel * 2 + n - 1)].edit->text().toStdString();
+    emit SendRawXML(DravikSpanLine(CHANNELS[channel], n, gas));
 }
 
 void CalDravikDialog::_UpdateFromXML()

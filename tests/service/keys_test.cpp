@@ -84,7 +84,8 @@ const Opened WINDOWS[] = {
          return dialog;
      }},
     {"Mirrors", "tolvan", [](Wire& w) { return raw(w, new HeatersTolvanDialog(nullptr, "t", &w.Doc())); }},
-    {"Clock", "tolvan", [](Wire& w) { return raw(w, new ClockTolvanDialog(nullptr, "t", &w.Doc().Conf().Cfg().Clock())); }},
+    {"Clock", "tolvan",
+     [](Wire& w) { return raw(w, new ClockTolvanDialog(nullptr, "t", &w.Doc().Conf().Cfg().Clock())); }},
     {"Network", "tolvan",
      [](Wire& w) { return raw(w, new NetworkTolvanDialog(nullptr, "t", &w.Doc().Conf().Cfg().Network(), "tolvan")); }},
     {"Rate", "tolvan",
@@ -92,7 +93,9 @@ const Opened WINDOWS[] = {
     {"Tolvan factory", "tolvan",
      [](Wire& w) { return raw(w, new FactoryTolvanDialog(nullptr, "t", &w.Doc().Conf().Factory())); }},
     {"Morvik factory", "morvik",
-     [](Wire& w) { return raw(w, new FactoryMorvikDialog(nullptr, "m", &w.connector->Doc_Morvik().Conf().Factory())); }},
+     [](Wire& w) {
+         return raw(w, new FactoryMorvikDialog(nullptr, "m", &w.connector->Doc_Morvik().Conf().Factory()));
+     }},
     {"Quenta configuration", "quenta", generic<ConfigQuentaDialog>(&Connector::Doc_Quenta)},
     {"Quenta factory", "quenta", generic<FactoryQuentaDialog>(&Connector::Doc_Quenta)},
     {"Dravik configuration", "dravik", generic<ConfigDravikDialog>(&Connector::Doc_Dravik)},
@@ -199,12 +202,15 @@ TEST(ServiceDialogs, TypedValuesGoOutWhenCompleteAndButtonsSendWhatTheyName)
          laser("<lasercooler><control>daccount</control><daccount>1</daccount></lasercooler>")},
         {"Laser temperature", in<QDoubleSpinBox>(block), "20", Qt::Key_Return, nullptr,
          laser("<laserblock><temp>20</temp></laserblock>")},  // already On
-        {"Laser temperature", nullptr, "", Qt::Key_Tab, "O&ff", laser("<laserblock><control>off</control></laserblock>")},
-        {"Laser temperature", nullptr, "", Qt::Key_Tab, "Low Range (-25...25C)", tolvan("<cfg><temprange>low</temprange></cfg>")},
+        {"Laser temperature", nullptr, "", Qt::Key_Tab, "O&ff",
+         laser("<laserblock><control>off</control></laserblock>")},
+        {"Laser temperature", nullptr, "", Qt::Key_Tab, "Low Range (-25...25C)",
+         tolvan("<cfg><temprange>low</temprange></cfg>")},
         {"Mirrors", in<QSpinBox>("Top Heater Control"), "55", Qt::Key_Return, "Apply",
          tolvan("<cfg><heater><top><heaterpower>55</heaterpower></top></heater></cfg>")},
         {"Tolvan factory", edit(1), "23.5", Qt::Key_Return, nullptr, laserstarttemp},
-        {"Tolvan factory", edit(1), "23.5", Qt::Key_Tab, "Rollback", laserstarttemp + FactoryCommandLine("tolvan", "rollback")},
+        {"Tolvan factory", edit(1), "23.5", Qt::Key_Tab, "Rollback",
+         laserstarttemp + FactoryCommandLine("tolvan", "rollback")},
         {"Tolvan factory", edit(10), "nan", Qt::Key_Return, nullptr, ""},
         {"Morvik factory", edit(0), "b-7", Qt::Key_Tab, "Commit",
          "<arvex><morvik><factory><serialnumber>b-7</serialnumber></factory></morvik></arvex>\n" +
@@ -244,7 +250,8 @@ TEST(CommandLines, ReadAsTheInstrumentReadsThemWithTypedTextsAsTyped)
         {FactoryCommandLine("morvik", "commit"),
          "<arvex><morvik><factory><cmd><commit>true</commit></cmd></factory></morvik></arvex>\n"},
         {CalLine("tolvan", "ch4spanconc", " 1,50 \xC2\xB5", "ch4span"),
-         "<arvex><tolvan><cal><ch4spanconc> 1,50 \xC2\xB5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n"},
+         "<arvex><tolvan><cal><ch4spanconc> 1,50 \xC2\xB5</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd>"
+         "</tolvan></arvex>\n"},
         {CalLine("dravik", "oxygen", ""), "<arvex><dravik><cal><oxygen></oxygen></cal></dravik></arvex>\n"},
         {DravikSpanLine("h2ob", 2, "1,2e3 x"), "<arvex><dravik><cal><h2obspanconc2>1,2e3 x</h2obspanconc2></cal>"
                                                "<cmd><h2obspan2>true</h2obspan2></cmd></dravik></arvex>\n"},
