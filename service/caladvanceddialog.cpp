@@ -15,16 +15,14 @@ namespace {
 
 QDateTimeEdit* date_time_edit()
 {
-    auto* edit = new QDateTimeEdit;
-    edit->setDisplayFormat("yyyy-MM-dd hh:mm:ss");
-    return edit;
+    return StampEdit("yyyy-MM-dd hh:mm:ss");
 }
 
-// The fields of the present moment in UTC; the editor would otherwise show them in local time.
-QDateTime utc_now()
+// An editor left as it was drawn leaves the stamp as it is, fraction of a second and all.
+void apply_stamp(const QDateTimeEdit* edit, ConfigurableTimestamp& stamp)
 {
-    const QDateTime utc = QDateTime::currentDateTimeUtc();
-    return QDateTime(utc.date(), utc.time());
+    if (edit->dateTime() != DateTimeOf(stamp.get()))
+        stamp.set(TimestampOf(edit->dateTime()));
 }
 
 }  // namespace
@@ -68,12 +66,12 @@ CalAdvancedDialog::CalAdvancedDialog(QWidget* parent, const std::string& name, D
 
 void CalAdvancedDialog::OnCH4ZeroNow()
 {
-    _zero_time->setDateTime(utc_now());
+    _zero_time->setDateTime(QDateTime::currentDateTimeUtc());
 }
 
 void CalAdvancedDialog::OnCH4SpanNow()
 {
-    _span_time->setDateTime(utc_now());
+    _span_time->setDateTime(QDateTime::currentDateTimeUtc());
 }
 
 void CalAdvancedDialog::_UpdateFromXML()
@@ -92,6 +90,6 @@ void CalAdvancedDialog::_ApplyToXML()
     SetLeafFromText(cal.Ch4zero(), _zero->text());
     SetLeafFromText(cal.Ch4span(), _span->text());
     SetLeafFromText(cal.Ch4spanconc(), _span_gas->text());
-    cal.Ch4lastzero().set(TimestampOf(_zero_time->dateTime()));
-    cal.Ch4lastspan().set(TimestampOf(_span_time->dateTime()));
+    apply_stamp(_zero_time, cal.Ch4lastzero());
+    apply_stamp(_span_time, cal.Ch4lastspan());
 }

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 
 #include "libskarn/docdravik.h"
+#include "service/leaftext.h"
 
 CalDravikAdvancedDialog::CalDravikAdvancedDialog(QWidget* parent, const std::string& name, DocDravik* doc)
     : CalEditor(parent, name), _doc(doc)
@@ -73,16 +74,12 @@ void CalDravikAdvancedDialog::_UpdateFromXML()
 {
     ConfigCalDravik& cal = _doc->Conf().Cal();
     for (const _Field& field : _fields)
-        field.edit->setText(QString::number((cal.*field.leaf)().get(), 'g', 6));
+        field.edit->setText(LeafText((cal.*field.leaf)()));
 }
 
 void CalDravikAdvancedDialog::_ApplyToXML()
 {
     ConfigCalDravik& cal = _doc->Conf().Cal();
-    for (const _Field& field : _fields) {
-        bool ok = false;
-        const float value = field.edit->text().toFloat(&ok);
-        if (ok)
-            (cal.*field.leaf)().set(value);
-    }
+    for (const _Field& field : _fields)
+        SetLeafFromText((cal.*field.leaf)(), field.edit->text());
 }

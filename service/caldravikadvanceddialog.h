@@ -19,7 +19,6 @@ public:
     /// `doc` is the connector's and outlives the dialog.
     CalDravikAdvancedDialog(QWidget* parent, const std::string& name, DocDravik* doc);
 
-
 private:
     using Leaf = ConfigurableFloat& (ConfigCalDravik::*)();
     struct _Field {
@@ -28,8 +27,8 @@ private:
     };
 
     void _UpdateFromXML() override;
-    /// Writes every field that reads as a number (QString::toFloat) into its coefficient; other
-    /// fields leave theirs as it was.
+    /// Writes every field that reads as a finite number into its coefficient; other fields leave
+    /// theirs as it was.
     void _ApplyToXML() override;
 
     DocDravik* _doc;

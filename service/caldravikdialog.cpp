@@ -8,18 +8,21 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <sstream>
+#include <algorithm>
 
 #include "libskarn/docdravik.h"
 #include "service/calhistory.h"
+#include "service/commands.h"
+#include "service/leaftext.h"
 
 namespace {
 
-QString stream_text(float value)
+// A field never so narrow that a concentration such as "10000.0" is cut.
+QLineEdit* gas_field(const char* text)
 {
-    std::ostringstream out;
-    out << value;
-    return QString::fromStdString(out.str());
+    auto* field = new QLineEdit(text);
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance("000000.0"));
+    return field;
 }
 
 // The four analyser channels, in the order of their groups and of the span gas fields.
@@ -101,7 +104,7 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
             layout->addWidget(label, row, 0);
             _values.push_back({label, QString(rows[row].label) + " ", rows[row].leaf});
             if (rows[row].gas) {
-                auto* gas = new QLineEdit(rows[row].gas);
+                auto* gas = gas_field(rows[row].gas);
                 layout->addWidget(gas, row, 1);
                 _fields.push_back({gas, rows[row].conc});
             }
@@ -113,7 +116,7 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
 
     auto* oxygen = new QGroupBox("Oxygen %");
     auto* oxygen_layout = new QGridLayout(oxygen);
-    auto* oxygen_field = new QLineEdit("21");
+    auto* oxygen_field = gas_field("21");
     oxygen_layout->addWidget(oxygen_field, 0, 1);
     _fields.push_back({oxygen_field, &ConfigCalDravik::Oxygen});
     button("Apply", oxygen_layout, 0, &CalDravikDialog::OnOxygenApplyClicked);
@@ -159,7 +162,8 @@ CalDravikDialog::CalDravikDialog(QWidget* parent, const std::string& name, DocDr
          0, undo, redo);
 
     _UpdateFromXML();
-    resize(900, sizeHint().height());
+    // At least 900 wide, and wider where the groups need it for their fields.
+    resize(std::max(900, minimumSizeHint().width()), sizeHint().height());
 }
 
 void CalDravikDialog::OnCO2AZeroClicked() { _Command("co2azero"); }
@@ -187,8 +191,7 @@ void CalDravikDialog::OnRedoClicked() {}
 
 void CalDravikDialog::OnOxygenApplyClicked()
 {
-    emit SendRawXML("<arvex><dravik><cal><oxygen>" + _fields.back().edit->text().toStdString() +
-                    "</oxygen></cal></dravik></arvex>\n");
+    emit SendRawXML(CalLine("dravik", "oxygen", _fields.back().edit->text().toStdString()));
 }
 
 void CalDravikDialog::_ClearOldRecords()
@@ -198,24 +201,20 @@ void CalDravikDialog::_ClearOldRecords()
 
 void CalDravikDialog::_Command(const std::string& element)
 {
-    emit SendRawXML("<arvex><dravik><cmd><" + element + ">true</" + element + "></cmd></dravik></arvex>\n");
+    emit SendRawXML(CommandLine("dravik", element));
 }
 
 void CalDravikDialog::_Span(int channel, int n)
 {
-    const std::string ch = CHANNELS[channel];
     const std::string gas = _fields[size_t(channel * 2 + n - 1)].edit->text().toStdString();
-    const std::string conc = ch + "spanconc" + std::to_string(n);
-    const std::string span = ch + "span" + std::to_string(n);
-    emit SendRawXML("<arvex><dravik><cal><" + conc + ">" + gas + "</" + conc + "></cal><cmd><" + span + ">true</" +
-                    span + "></cmd></dravik></arvex>\n");
+    emit SendRawXML(DravikSpanLine(CHANNELS[channel], n, gas));
 }
 
 void CalDravikDialog::_UpdateFromXML()
 {
     ConfigCalDravik& cal = _doc->Conf().Cal();
     for (const _Value& value : _values)
-        value.label->setText(value.prefix + stream_text((cal.*value.leaf)().get()));
+        value.label->setText(value.prefix + StreamText((cal.*value.leaf)().get()));
     for (const _Field& field : _fields)
         field.edit->setText(QString::number((cal.*field.leaf)().get(), 'f', 1));
     _history->SetRows(CalDravikHistoryRows(_doc->Conf().History()));

@@ -3,19 +3,17 @@
 #include <QBoxLayout>
 #include <QPushButton>
 
-#include "service/footrow.h"
-
-CalEditor::CalEditor(QWidget* parent, const std::string& name) : QDialog(parent)
+CalEditor::CalEditor(QWidget* parent, const std::string& name) : ServiceDialog(parent)
 {
     setWindowTitle(QString::fromStdString("Advanced Calibration: " + name));
 }
 
 QLayout* CalEditor::_Foot()
 {
-    const FootRow row = RefreshApplyCloseRow(this);
-    connect(row.refresh, &QPushButton::clicked, this, &CalEditor::OnRefreshClicked);
-    connect(row.apply, &QPushButton::clicked, this, &CalEditor::OnApplyClicked);
-    return row.layout;
+    const _RefreshApply foot = _RefreshApplyCloseRow();
+    connect(foot.refresh, &QPushButton::clicked, this, &CalEditor::OnRefreshClicked);
+    connect(foot.apply, &QPushButton::clicked, this, &CalEditor::OnApplyClicked);
+    return foot.row;
 }
 
 void CalEditor::OnApplyClicked()

@@ -2,9 +2,9 @@
 // What the advanced calibration dialogs of all models share: the title, the foot row, and the way
 // an apply goes out.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class QLayout;
 
@@ -13,7 +13,7 @@ class QLayout;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), CalUpdated() to
 /// Connector::OnForceXMLUpdate(), Connector::GotXMLChanges() to OnXMLChanged().
-class CalEditor : public QDialog {
+class CalEditor : public ServiceDialog {
     Q_OBJECT
 public:
     CalEditor(QWidget* parent, const std::string& name);

@@ -5,20 +5,20 @@
 #include <QLabel>
 #include <QLineEdit>
 
-#include <cmath>
 #include <limits>
 
 #include "libskarn/dochalden.h"
+#include "service/leaftext.h"
 
 namespace {
 
 // Through a float, truncated: what the instrument's own tools do with counts.
 void apply(const QLineEdit* field, ConfigurableInteger& zero)
 {
-    bool ok = false;
-    const float value = field->text().toFloat(&ok);
-    if (!ok || std::isnan(value))
+    const std::optional<float> read = NumberOf<float>(field->text());
+    if (!read)
         return;
+    const float value = *read;
     // Beyond 64 bits the conversion would be undefined; the leaf clamps to its limits anyway.
     if (value >= 0x1p63f)
         zero.set(std::numeric_limits<int64_t>::max());

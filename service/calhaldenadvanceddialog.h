@@ -15,10 +15,9 @@ public:
     /// `doc` is the connector's and outlives the dialog.
     CalHaldenAdvancedDialog(QWidget* parent, const std::string& name, DocHalden* doc);
 
-
 private:
     void _UpdateFromXML() override;
-    /// Each field that reads as a float (QString::toFloat) sets its zero to the float's whole part,
+    /// Each field that reads as a finite float sets its zero to the float's whole part,
     /// so counts beyond 2^24 keep only a float's precision; a field that doesn't read leaves its
     /// zero as it was.
     void _ApplyToXML() override;

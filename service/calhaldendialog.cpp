@@ -5,10 +5,10 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include <sstream>
-
 #include "libskarn/dochalden.h"
 #include "service/calhistory.h"
+#include "service/commands.h"
+#include "service/leaftext.h"
 
 std::vector<QStringList> CalHaldenHistoryRows(ConfigCalHistoryHalden& history)
 {
@@ -17,9 +17,7 @@ std::vector<QStringList> CalHaldenHistoryRows(ConfigCalHistoryHalden& history)
         auto* record = dynamic_cast<ConfigCalRecordHalden*>(child);
         if (!record)
             continue;
-        std::ostringstream time;
-        time << record->Time().get();
-        rows.push_back({QString::fromStdString(time.str()), QString::fromStdString(record->Type().get()),
+        rows.push_back({StreamText(record->Time().get()), QString::fromStdString(record->Type().get()),
                         QString::number(record->DC0().get(), 10), QString::number(record->Pc0().get(), 10)});
     }
     return rows;
@@ -60,12 +58,12 @@ CalHaldenDialog::CalHaldenDialog(QWidget* parent, const std::string& name, DocHa
 
 void CalHaldenDialog::OnDCZeroClicked()
 {
-    emit SendRawXML("<arvex><halden><cmd><zero_dc0>true</zero_dc0></cmd></halden></arvex>\n");
+    emit SendRawXML(CommandLine("halden", "zero_dc0"));
 }
 
 void CalHaldenDialog::OnPcZeroClicked()
 {
-    emit SendRawXML("<arvex><halden><cmd><zero_pc0>true</zero_pc0></cmd></halden></arvex>\n");
+    emit SendRawXML(CommandLine("halden", "zero_pc0"));
 }
 
 void CalHaldenDialog::OnUndoClicked() {}

@@ -7,7 +7,7 @@
 #include "service/calhistory.h"
 
 CalPanel::CalPanel(QWidget* parent, const std::string& name, bool standalone, QString clear_question)
-    : QDialog(parent), _clear_question(std::move(clear_question))
+    : ServiceDialog(parent), _clear_question(std::move(clear_question))
 {
     if (standalone) {
         setWindowFlags(Qt::WindowFlags());
@@ -27,24 +27,17 @@ void CalPanel::_Lay(QLayout* controls, const QStringList& columns, int history_s
 
     _history = new CalHistoryTree(columns, this);
 
-    auto* button_row = new QHBoxLayout;
     auto* advanced = new QPushButton("Advanced...");
-    auto* close = new QPushButton("Close");
-    button_row->addWidget(first);
-    button_row->addWidget(second);
-    button_row->addWidget(advanced);
-    button_row->addStretch();
-    button_row->addWidget(close);
+    QPushButton* close = _CloseButton();
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(controls);
     layout->addLayout(history_row);
     layout->addWidget(_history, history_stretch);
-    layout->addLayout(button_row);
+    layout->addLayout(_ButtonRow({first, second, advanced, nullptr, close}));
 
     connect(clear, &QPushButton::clicked, this, &CalPanel::OnClearHistoryClicked);
     connect(advanced, &QPushButton::clicked, this, &CalPanel::OnAdvancedClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
     connect(close, &QPushButton::clicked, this, &CalPanel::OnCloseClicked);
 }
 

@@ -2,14 +2,14 @@
 // The frame that the calibration panels of all models share: the window, the history tree under
 // the model's own controls, the row of buttons at the foot, and "Clear Old History...".
 
-#include <QDialog>
 #include <QStringList>
 
 #include <string>
 
+#include "service/servicedialog.h"
+
 class CalHistoryTree;
 class QLayout;
-class QPushButton;
 
 /// A calibration panel. The model's panel lays out its controls, hands them to _Lay() with the two
 /// buttons that lead the foot row, and draws itself in _UpdateFromXML().
@@ -17,7 +17,7 @@ class QPushButton;
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged(), and OnAdvancedClicked()
 /// to the owner, who makes the model's advanced dialog.
-class CalPanel : public QDialog {
+class CalPanel : public ServiceDialog {
     Q_OBJECT
 public:
     /// `standalone` makes the panel a plain widget with a size grip. `clear_question` is what

@@ -6,22 +6,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include <sstream>
-
 #include "libskarn/doctolvan.h"
 #include "service/calhistory.h"
-
-namespace {
-
-template <class T>
-QString stream_text(const T& value)
-{
-    std::ostringstream out;
-    out << value;
-    return QString::fromStdString(out.str());
-}
-
-}  // namespace
+#include "service/commands.h"
+#include "service/leaftext.h"
 
 std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history)
 {
@@ -30,7 +18,7 @@ std::vector<QStringList> CalTolvanHistoryRows(ConfigCalHistory& history)
         auto* record = dynamic_cast<ConfigCalRecord*>(child);
         if (!record)
             continue;
-        rows.push_back({stream_text(record->Time().get()), QString::fromStdString(record->Type().get()),
+        rows.push_back({StreamText(record->Time().get()), QString::fromStdString(record->Type().get()),
                         QString::number(record->Ch4zero().get(), 'g', 6),
                         QString::number(record->Ch4span().get(), 'g', 6)});
     }
@@ -83,23 +71,22 @@ CalTolvanDialog::CalTolvanDialog(QWidget* parent, const std::string& name, DocTo
 
 void CalTolvanDialog::OnCH4ZeroClicked()
 {
-    emit SendRawXML("<arvex><tolvan><cmd><ch4zero>true</ch4zero></cmd></tolvan></arvex>\n");
+    emit SendRawXML(CommandLine("tolvan", "ch4zero"));
 }
 
 void CalTolvanDialog::OnCH4SpanClicked()
 {
-    emit SendRawXML("<arvex><tolvan><cal><ch4spanconc>" + _span_gas->text().toStdString() +
-                    "</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n");
+    emit SendRawXML(CalLine("tolvan", "ch4spanconc", _span_gas->text().toStdString(), "ch4span"));
 }
 
 void CalTolvanDialog::OnCommitClicked()
 {
-    emit SendRawXML("<arvex><tolvan><cmd><calcommit>true</calcommit></cmd></tolvan></arvex>\n");
+    emit SendRawXML(CommandLine("tolvan", "calcommit"));
 }
 
 void CalTolvanDialog::OnRollbackClicked()
 {
-    emit SendRawXML("<arvex><tolvan><cmd><calrollback>true</calrollback></cmd></tolvan></arvex>\n");
+    emit SendRawXML(CommandLine("tolvan", "calrollback"));
 }
 
 void CalTolvanDialog::_ClearOldRecords()
@@ -112,14 +99,14 @@ void CalTolvanDialog::reject()
     if (_standalone)
         emit OnCloseClicked();
     else
-        QDialog::reject();
+        ServiceDialog::reject();
 }
 
 void CalTolvanDialog::_UpdateFromXML()
 {
     ConfigCal& cal = _doc->Conf().Cal();
-    _last_zero->setText("Last Zero: " + stream_text(cal.Ch4zero().get()) + "; " + stream_text(cal.Ch4lastzero().get()));
-    _last_span->setText("Last Span: " + stream_text(cal.Ch4span().get()) + "; " + stream_text(cal.Ch4lastspan().get()));
+    _last_zero->setText("Last Zero: " + StreamText(cal.Ch4zero().get()) + "; " + StreamText(cal.Ch4lastzero().get()));
+    _last_span->setText("Last Span: " + StreamText(cal.Ch4span().get()) + "; " + StreamText(cal.Ch4lastspan().get()));
     _history->SetRows(CalTolvanHistoryRows(cal.History()));
     _span_gas->setText(QString::number(cal.Ch4spanconc().get(), 'f', 1));
 }

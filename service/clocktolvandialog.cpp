@@ -14,7 +14,6 @@
 #include <stdexcept>
 
 #include "libskarn/configcommon.h"
-#include "service/footrow.h"
 
 void DateTimeEdit::focusInEvent(QFocusEvent* event)
 {
@@ -23,7 +22,7 @@ void DateTimeEdit::focusInEvent(QFocusEvent* event)
 }
 
 ClockTolvanDialog::ClockTolvanDialog(QWidget* parent, const std::string& name, ConfigCfgClock* clock)
-    : QDialog(parent), _clock(clock), _timer(new QTimer(this)), _ptp(new QButtonGroup(this))
+    : ServiceDialog(parent), _clock(clock), _timer(new QTimer(this)), _ptp(new QButtonGroup(this))
 {
     setWindowTitle(QString::fromStdString("Clock: " + name));
     _timer->setInterval(1000);
@@ -46,19 +45,19 @@ ClockTolvanDialog::ClockTolvanDialog(QWidget* parent, const std::string& name, C
     form->addRow("Timezone:", _zone);
     form->addRow("Instrument Time:", _time);
 
-    const FootRow buttons = RefreshApplyCloseRow(this);
+    const _RefreshApply buttons = _RefreshApplyCloseRow();
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(ptp_group);
     layout->addLayout(form);
-    layout->addLayout(buttons.layout);
+    layout->addLayout(buttons.row);
 
     connect(_timer, &QTimer::timeout, this, &ClockTolvanDialog::OnTimeout);
     connect(_time, &DateTimeEdit::GotFocus, this, &ClockTolvanDialog::OnDateTimeFocus);
     connect(buttons.refresh, &QPushButton::clicked, this, &ClockTolvanDialog::OnRefresh);
     connect(buttons.apply, &QPushButton::clicked, this, &ClockTolvanDialog::OnApply);
     // The first radio button would take the focus on showing and stop PTP updates at once.
-    buttons.close->setFocus();
+    buttons.refresh->setFocus();
 
     _UpdateFromXML();
 }
@@ -102,7 +101,7 @@ void ClockTolvanDialog::OnPTPFocus()
 
 void ClockTolvanDialog::showEvent(QShowEvent* event)
 {
-    QDialog::showEvent(event);
+    ServiceDialog::showEvent(event);
     _timer->start();
 }
 

@@ -2,9 +2,10 @@
 // The clock of an instrument: date and time, time zone, precision time role.
 
 #include <QDateTimeEdit>
-#include <QDialog>
 
 #include <string>
+
+#include "service/servicedialog.h"
 
 class ConfigCfgClock;
 class QButtonGroup;
@@ -30,7 +31,7 @@ protected:
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
-class ClockTolvanDialog : public QDialog {
+class ClockTolvanDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `clock` is the connector's document's and outlives the dialog.

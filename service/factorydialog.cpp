@@ -7,11 +7,12 @@
 
 #include "libskarn/docmorvik.h"
 #include "libskarn/doctolvan.h"
+#include "service/commands.h"
 #include "service/leaftext.h"
 
 FactoryDialog::FactoryDialog(QWidget* parent, const std::string& name, const std::string& type,
                              const std::vector<Field>& fields)
-    : QDialog(parent), _type(type)
+    : ServiceDialog(parent), _type(type)
 {
     setWindowTitle(QString::fromStdString("Factory Settings: " + name));
     auto* form = new QFormLayout;
@@ -24,20 +25,13 @@ FactoryDialog::FactoryDialog(QWidget* parent, const std::string& name, const std
 
     auto* commit = new QPushButton("Commit");
     auto* rollback = new QPushButton("Rollback");
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(commit);
-    buttons->addWidget(rollback);
-    buttons->addStretch();
-    buttons->addWidget(close);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
-    layout->addLayout(buttons);
+    layout->addLayout(_ButtonRow({commit, rollback, nullptr, _CloseButton()}));
 
     connect(commit, &QPushButton::clicked, this, &FactoryDialog::OnCommitClicked);
     connect(rollback, &QPushButton::clicked, this, &FactoryDialog::OnRollbackClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _UpdateFromXML();
 }
@@ -50,13 +44,13 @@ void FactoryDialog::OnReturnPressed()
 void FactoryDialog::OnCommitClicked()
 {
     _ApplyToXML();
-    emit SendRawXML(_Command("commit"));
+    emit SendRawXML(FactoryCommandLine(_type, "commit"));
 }
 
 void FactoryDialog::OnRollbackClicked()
 {
     _ApplyToXML();
-    emit SendRawXML(_Command("rollback"));
+    emit SendRawXML(FactoryCommandLine(_type, "rollback"));
 }
 
 void FactoryDialog::OnXMLChanged()
@@ -75,12 +69,6 @@ void FactoryDialog::_ApplyToXML()
     for (auto& [edit, leaf] : _fields)
         SetLeafFromText(*leaf, edit->text());
     emit SendXMLChanges();
-}
-
-std::string FactoryDialog::_Command(const std::string& command) const
-{
-    return "<arvex><" + _type + "><factory><cmd><" + command + ">true</" + command + "></cmd></factory></" + _type +
-           "></arvex>\n";
 }
 
 FactoryTolvanDialog::FactoryTolvanDialog(QWidget* parent, const std::string& name, ConfigFactory* f)

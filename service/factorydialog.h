@@ -1,9 +1,9 @@
 #pragma once
 // The factory values of a Tolvan or a Morvik, with their commit and rollback.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 #include <utility>
 #include <vector>
 
@@ -18,7 +18,7 @@ class QLineEdit;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
-class FactoryDialog : public QDialog {
+class FactoryDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// A label and the leaf it edits, a string, integer or float of the document.
@@ -41,7 +41,6 @@ protected:
 private:
     void _UpdateFromXML();
     void _ApplyToXML();
-    std::string _Command(const std::string& command) const;
 
     std::string _type;
     std::vector<std::pair<QLineEdit*, Configurable*>> _fields;

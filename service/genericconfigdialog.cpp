@@ -23,6 +23,7 @@
 
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
+#include "service/leaftext.h"
 
 namespace {
 
@@ -177,11 +178,6 @@ private:
     int _depth = 0;
 };
 
-QString number_text(double value)
-{
-    return QString::number(value, 'g', 6);
-}
-
 // Document to widgets.
 class _WidgetUpdater : public ConfigurableVisitor {
 public:
@@ -192,27 +188,21 @@ public:
         if (auto* combo = WidgetTables::find(_widgets.choices, &leaf))
             combo->setCurrentIndex(leaf.get());
     }
-    void VisitConfigurableFloat(ConfigurableFloat& leaf) override { _SetText(leaf, number_text(leaf.get())); }
-    void VisitConfigurableDouble(ConfigurableDouble& leaf) override { _SetText(leaf, number_text(leaf.get())); }
-    void VisitConfigurableInteger(ConfigurableInteger& leaf) override
-    {
-        _SetText(leaf, QString::number(qlonglong(leaf.get())));
-    }
+    void VisitConfigurableFloat(ConfigurableFloat& leaf) override { _SetText(leaf); }
+    void VisitConfigurableDouble(ConfigurableDouble& leaf) override { _SetText(leaf); }
+    void VisitConfigurableInteger(ConfigurableInteger& leaf) override { _SetText(leaf); }
     void VisitConfigurableBool(ConfigurableBool& leaf) override
     {
         if (auto* box = WidgetTables::find(_widgets.bools, &leaf))
             box->setCheckState(leaf.get() ? Qt::Checked : Qt::Unchecked);
     }
-    void VisitConfigurableString(ConfigurableString& leaf) override
-    {
-        _SetText(leaf, QString::fromStdString(leaf.get()));
-    }
+    void VisitConfigurableString(ConfigurableString& leaf) override { _SetText(leaf); }
 
 private:
-    void _SetText(Configurable& leaf, const QString& text)
+    void _SetText(Configurable& leaf)
     {
         if (auto* edit = WidgetTables::find(_widgets.edits, &leaf))
-            edit->setText(text);
+            edit->setText(LeafText(leaf));
     }
 
     WidgetTables& _widgets;
@@ -228,40 +218,21 @@ public:
         if (auto* combo = WidgetTables::find(_widgets.choices, &leaf))
             leaf.set(combo->currentIndex());
     }
-    void VisitConfigurableFloat(ConfigurableFloat& leaf) override
-    {
-        _SetFromText(leaf, [](const QString& text, bool* ok) { return text.toFloat(ok); });
-    }
-    void VisitConfigurableDouble(ConfigurableDouble& leaf) override
-    {
-        _SetFromText(leaf, [](const QString& text, bool* ok) { return text.toDouble(ok); });
-    }
-    void VisitConfigurableInteger(ConfigurableInteger& leaf) override
-    {
-        _SetFromText(leaf, [](const QString& text, bool* ok) { return int64_t(text.toLongLong(ok, 10)); });
-    }
+    void VisitConfigurableFloat(ConfigurableFloat& leaf) override { _SetFromText(leaf); }
+    void VisitConfigurableDouble(ConfigurableDouble& leaf) override { _SetFromText(leaf); }
+    void VisitConfigurableInteger(ConfigurableInteger& leaf) override { _SetFromText(leaf); }
     void VisitConfigurableBool(ConfigurableBool& leaf) override
     {
         if (auto* box = WidgetTables::find(_widgets.bools, &leaf))
             leaf.set(box->checkState() == Qt::Checked);
     }
-    void VisitConfigurableString(ConfigurableString& leaf) override
-    {
-        if (auto* edit = WidgetTables::find(_widgets.edits, &leaf))
-            leaf.set(edit->text().toUtf8().toStdString());
-    }
+    void VisitConfigurableString(ConfigurableString& leaf) override { _SetFromText(leaf); }
 
 private:
-    template <class Leaf, class Convert>
-    void _SetFromText(Leaf& leaf, Convert convert)
+    void _SetFromText(Configurable& leaf)
     {
-        auto* edit = WidgetTables::find(_widgets.edits, &leaf);
-        if (!edit)
-            return;
-        bool ok = false;
-        const auto value = convert(edit->text(), &ok);
-        if (ok)
-            leaf.set(value);
+        if (auto* edit = WidgetTables::find(_widgets.edits, &leaf))
+            SetLeafFromText(leaf, edit->text());
     }
 
     WidgetTables& _widgets;
@@ -271,7 +242,7 @@ private:
 
 GenericConfigDialog::GenericConfigDialog(QWidget* parent, const std::string& title, Configurable* document,
                                          Labels labels)
-    : QDialog(parent), _document(document), _labels(std::move(labels)), _widgets(std::make_unique<WidgetTables>())
+    : ServiceDialog(parent), _document(document), _labels(std::move(labels)), _widgets(std::make_unique<WidgetTables>())
 {
     setWindowTitle(QString::fromStdString(title));
 
@@ -382,7 +353,7 @@ void GenericConfigDialog::OnCancel()
 void GenericConfigDialog::reject()
 {
     _UpdateFromXML();
-    QDialog::reject();
+    ServiceDialog::reject();
 }
 
 void GenericConfigDialog::OnCustomButtonPressed(QString label)

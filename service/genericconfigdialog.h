@@ -20,17 +20,17 @@
 // SendXMLChanges(); leaves that keep their value stay unmarked, so nothing is sent for them.
 // Pages and rows are fixed at construction; the nodes shown must outlive the dialog.
 
-#include <QDialog>
-
 #include <map>
 #include <memory>
 #include <string>
+
+#include "service/servicedialog.h"
 
 class Configurable;
 class QListWidget;
 class QStackedLayout;
 
-class GenericConfigDialog : public QDialog {
+class GenericConfigDialog : public ServiceDialog {
     Q_OBJECT
 
 public:

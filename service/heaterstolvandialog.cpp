@@ -26,9 +26,7 @@ QSpinBox* percent_box(int max)
 
 QDateTimeEdit* time_edit()
 {
-    auto* edit = new QDateTimeEdit;
-    edit->setDisplayFormat("hh:mm");
-    return edit;
+    return StampEdit("hh:mm");
 }
 
 // A group box with the radio buttons Off, On, Auto in a row, then a form for its fields.
@@ -57,7 +55,7 @@ void set_time(QDateTimeEdit* edit, const ConfigurableTimestamp& leaf)
 }  // namespace
 
 HeatersTolvanDialog::HeatersTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc)
-    : QDialog(parent), _doc(doc)
+    : ServiceDialog(parent), _doc(doc)
 {
     setWindowTitle(QString::fromStdString("Mirror Control Panel: " + name));
     _top.mode = new QButtonGroup(this);
@@ -106,20 +104,15 @@ HeatersTolvanDialog::HeatersTolvanDialog(QWidget* parent, const std::string& nam
     _spin.on_fields = {_spin_repeat, _spin_duration};
     _spin.auto_fields = {_spin_repeat, _spin_on, _spin_off, _spin_duration, _spin_threshold};
 
-    _refresh = new QPushButton("Refresh");
-    _apply = new QPushButton("Apply");
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(_refresh);
-    buttons->addWidget(_apply);
-    buttons->addWidget(close);
+    const _RefreshApply buttons = _RefreshApplyCloseRow();
+    _refresh = buttons.refresh;
+    _apply = buttons.apply;
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(top);
     layout->addWidget(bottom);
     layout->addWidget(spin);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.row);
 
     connect(_top.mode, &QButtonGroup::idClicked, this, &HeatersTolvanDialog::OnTopRadioChanged);
     connect(_bottom.mode, &QButtonGroup::idClicked, this,
@@ -132,7 +125,6 @@ HeatersTolvanDialog::HeatersTolvanDialog(QWidget* parent, const std::string& nam
         connect(edit, &QDateTimeEdit::timeChanged, this, &HeatersTolvanDialog::_EnableButtons);
     connect(_apply, &QPushButton::clicked, this, &HeatersTolvanDialog::OnApplyClicked);
     connect(_refresh, &QPushButton::clicked, this, &HeatersTolvanDialog::OnRefreshClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _UpdateFromXML();
 }

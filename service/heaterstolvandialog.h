@@ -1,9 +1,9 @@
 #pragma once
 // The mirror heaters and the spin motor of a Tolvan.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 #include <vector>
 
 class DocTolvan;
@@ -19,7 +19,7 @@ class QSpinBox;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), Connector::GotXMLChanges() to
 /// OnXMLChanged().
-class HeatersTolvanDialog : public QDialog {
+class HeatersTolvanDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `doc` is the connector's and outlives the dialog.

@@ -7,7 +7,7 @@
 #include "configurable/configbuiltin.h"
 
 MatchDialog::MatchDialog(QWidget* parent, const std::string& name, ConfigurableFloat* valve)
-    : QDialog(parent), _valve(valve)
+    : ServiceDialog(parent), _valve(valve)
 {
     setWindowTitle(QString::fromStdString("Match Valve: " + name));
     auto* group = new QGroupBox("Match Valve");
@@ -19,18 +19,13 @@ MatchDialog::MatchDialog(QWidget* parent, const std::string& name, ConfigurableF
     row->addWidget(cross);
     row->addWidget(toggle);
 
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(group);
-    layout->addLayout(buttons);
+    layout->addLayout(_ButtonRow({nullptr, _CloseButton()}));
 
     connect(straight, &QPushButton::clicked, this, &MatchDialog::OnStraightClicked);
     connect(cross, &QPushButton::clicked, this, &MatchDialog::OnCrossClicked);
     connect(toggle, &QPushButton::clicked, this, &MatchDialog::OnToggleClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 }
 
 void MatchDialog::OnStraightClicked()

@@ -1,9 +1,9 @@
 #pragma once
 // The match valve: straight, cross or the other way round.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class ConfigurableFloat;
 
@@ -12,7 +12,7 @@ class ConfigurableFloat;
 ///
 /// Joint: SendXMLChanges() to Connector::OnSendXMLChanges(). The buttons show no state, so the
 /// dialog has nothing to draw from the document.
-class MatchDialog : public QDialog {
+class MatchDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `valve` is the connector's document's and outlives the dialog.

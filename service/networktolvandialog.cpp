@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "libskarn/configcommon.h"
+#include "service/commands.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ QString presentation(const ConfigIPAddress& address)
 
 NetworkTolvanDialog::NetworkTolvanDialog(QWidget* parent, const std::string& name, ConfigCfgNetwork* network,
                                          const std::string& type)
-    : QDialog(parent), _network(network), _type(type), _read_only(type == "sarnel")
+    : ServiceDialog(parent), _network(network), _type(type), _read_only(type == "sarnel")
 {
     setWindowTitle(QString::fromStdString("Network Settings: " + name));
 
@@ -56,25 +57,18 @@ NetworkTolvanDialog::NetworkTolvanDialog(QWidget* parent, const std::string& nam
     form->addRow("Netmask:", _netmask);
     form->addRow("Gateway:", _gateway);
 
-    auto* buttons = new QHBoxLayout;
     auto* apply = new QPushButton("Apply");
     auto* reboot = new QPushButton("Reboot");
-    auto* close = new QPushButton("Close");
-    buttons->addWidget(reboot);
-    buttons->addStretch();
-    buttons->addWidget(apply);
-    buttons->addWidget(close);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(current);
     layout->addWidget(settings);
     layout->addWidget(new QLabel("Network changes will take affect after the next reboot."));
-    layout->addLayout(buttons);
+    layout->addLayout(_ButtonRow({apply, _CloseButton(), nullptr, reboot}));  // the reboot apart
 
     connect(_manual, &QRadioButton::toggled, this, &NetworkTolvanDialog::_UpdateEnabledState);
     connect(apply, &QPushButton::clicked, this, &NetworkTolvanDialog::OnApplyClicked);
     connect(reboot, &QPushButton::clicked, this, &NetworkTolvanDialog::OnRebootClicked);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _UpdateFromXML();
 }
@@ -86,8 +80,7 @@ void NetworkTolvanDialog::OnApplyClicked()
 
 void NetworkTolvanDialog::OnRebootClicked()
 {
-    const std::string tag = _type == "sarnel" ? "morvik" : _type;
-    emit SendRawXML("<arvex><" + tag + "><cmd><reboot>true</reboot></cmd></" + tag + "></arvex>\n");
+    emit SendRawXML(RebootLine(_type));
 }
 
 void NetworkTolvanDialog::OnXMLChanged()

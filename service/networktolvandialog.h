@@ -1,9 +1,9 @@
 #pragma once
 // The network settings of a Tolvan, Morvik or Sarnel, and its reboot.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class ConfigCfgNetwork;
 class QLabel;
@@ -16,7 +16,7 @@ class QRadioButton;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
-class NetworkTolvanDialog : public QDialog {
+class NetworkTolvanDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `network` is the connector's document's and outlives the dialog; `type` is the connector's

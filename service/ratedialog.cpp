@@ -10,9 +10,10 @@
 #include <algorithm>
 
 #include "libskarn/configcommon.h"
+#include "service/commands.h"
 
 RateDialog::RateDialog(QWidget* parent, const std::string& name, ConfigRate* rate, const std::string& type)
-    : QDialog(parent), _rate(rate), _type(type), _rates(new QComboBox)
+    : ServiceDialog(parent), _rate(rate), _type(type), _rates(new QComboBox)
 {
     setWindowTitle(QString::fromStdString("Output Rate: " + name));
     _rates->addItem("Poll", 0);
@@ -33,20 +34,14 @@ RateDialog::RateDialog(QWidget* parent, const std::string& name, ConfigRate* rat
     test_layout->addWidget(poll_test);
     test_layout->addStretch();
 
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(close);
-
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(test);
-    layout->addLayout(buttons);
+    layout->addLayout(_ButtonRow({nullptr, _CloseButton()}));
 
     connect(_rates, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &RateDialog::OnRateChanged);
     connect(poll, &QPushButton::clicked, this, &RateDialog::OnPoll);
     connect(poll_test, &QPushButton::clicked, this, &RateDialog::OnPollTest);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _UpdateFromXML();
 }
@@ -58,12 +53,12 @@ void RateDialog::OnRateChanged(int)
 
 void RateDialog::OnPoll()
 {
-    emit SendRawXML(_Command("poll"));
+    emit SendRawXML(CommandLine(_type, "poll"));
 }
 
 void RateDialog::OnPollTest()
 {
-    emit SendRawXML(_Command("polltest"));
+    emit SendRawXML(CommandLine(_type, "polltest"));
 }
 
 void RateDialog::OnXMLChanged()
@@ -88,9 +83,4 @@ void RateDialog::_ApplyToXML()
         return;
     _rate->set(int(found - rates.begin()));
     emit SendXMLChanges();
-}
-
-std::string RateDialog::_Command(const std::string& command) const
-{
-    return "<arvex><" + _type + "><cmd><" + command + ">true</" + command + "></cmd></" + _type + "></arvex>\n";
 }

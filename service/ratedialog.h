@@ -1,9 +1,9 @@
 #pragma once
 // The output rate of an instrument's data stream, and polling.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class ConfigRate;
 class QComboBox;
@@ -13,7 +13,7 @@ class QComboBox;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
-class RateDialog : public QDialog {
+class RateDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `rate` is the connector's document's and outlives the dialog; `type` is the model tag of
@@ -33,7 +33,6 @@ public slots:
 private:
     void _UpdateFromXML();
     void _ApplyToXML();
-    std::string _Command(const std::string& command) const;
 
     ConfigRate* _rate;
     std::string _type;

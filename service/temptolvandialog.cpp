@@ -36,9 +36,19 @@ QGroupBox* radio_group(const QString& title, QButtonGroup* buttons,
     return box;
 }
 
+// Each value goes out when it is complete: at Return, on leaving the field, or at an arrow's step;
+// not at every key on the way to it.
+template <class Box>
+Box* applying_box()
+{
+    auto* box = new Box;
+    box->setKeyboardTracking(false);
+    return box;
+}
+
 QDoubleSpinBox* temperature_box(double max)
 {
-    auto* box = new QDoubleSpinBox;
+    auto* box = applying_box<QDoubleSpinBox>();
     box->setRange(0, max);
     box->setSingleStep(0.01);
     box->setDecimals(2);
@@ -47,7 +57,7 @@ QDoubleSpinBox* temperature_box(double max)
 
 QSpinBox* dac_box()
 {
-    auto* box = new QSpinBox;
+    auto* box = applying_box<QSpinBox>();
     box->setRange(0, 65535);
     return box;
 }
@@ -55,7 +65,7 @@ QSpinBox* dac_box()
 }  // namespace
 
 TempTolvanDialog::TempTolvanDialog(QWidget* parent, const std::string& name, DocTolvan* doc)
-    : QDialog(parent),
+    : ServiceDialog(parent),
       _doc(doc),
       _cooler_mode(new QButtonGroup(this)),
       _block_mode(new QButtonGroup(this)),
@@ -85,16 +95,11 @@ TempTolvanDialog::TempTolvanDialog(QWidget* parent, const std::string& name, Doc
     QGroupBox* range = radio_group("Block Temperature Startup Range", _range,
                                    {{"High Range (0...50C)", 1}, {"Low Range (-25...25C)", 0}}, grid);
 
-    auto* close = new QPushButton("Close");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(close);
-
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(cooler);
     layout->addWidget(block);
     layout->addWidget(range);
-    layout->addLayout(buttons);
+    layout->addLayout(_ButtonRow({nullptr, _CloseButton()}));
 
     for (QButtonGroup* group : {_cooler_mode, _block_mode, _range})
         connect(group, &QButtonGroup::idClicked, this, &TempTolvanDialog::OnRadioClicked);
@@ -104,7 +109,6 @@ TempTolvanDialog::TempTolvanDialog(QWidget* parent, const std::string& name, Doc
     connect(_block_temp, QOverload<double>::of(&QDoubleSpinBox::valueChanged), this,
             &TempTolvanDialog::OnBlockSpinboxChanged);
     connect(_block_dac, QOverload<int>::of(&QSpinBox::valueChanged), this, &TempTolvanDialog::OnBlockDacSpinboxChanged);
-    connect(close, &QPushButton::clicked, this, &QDialog::close);
 
     _UpdateFromXML();
 }

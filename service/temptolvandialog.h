@@ -1,9 +1,9 @@
 #pragma once
 // The laser's cooler and block temperatures of a Tolvan.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class DocTolvan;
 class QButtonGroup;
@@ -16,7 +16,7 @@ class QSpinBox;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), Connector::GotXMLChanges() to
 /// OnXMLChanged().
-class TempTolvanDialog : public QDialog {
+class TempTolvanDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// `doc` is the connector's and outlives the dialog.

@@ -1,6 +1,5 @@
 // The calibration panels of the Tolvan, Dravik and Halden, with their advanced dialogs.
 
-#include <cstdlib>
 #include <ctime>
 
 #include "libskarn/docdravik.h"
@@ -11,6 +10,7 @@
 #include "service/calhaldenadvanceddialog.h"
 #include "service/calhaldendialog.h"
 #include "service/caltolvandialog.h"
+#include "service/commands.h"
 #include "tests/service/wire.h"
 
 namespace {
@@ -22,28 +22,13 @@ std::string record(const std::string& time, const std::string& type)
 
 std::string cal(const std::string& body) { return "<arvex><tolvan><cal>" + body + "</cal></tolvan></arvex>"; }
 
-std::string span(const std::string& gas)
-{
-    return "<arvex><tolvan><cal><ch4spanconc>" + gas + "</ch4spanconc></cal><cmd><ch4span>true</ch4span></cmd></tolvan></arvex>\n";
-}
-
-TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndKeptWhenClearingIsDismissed)
+TEST(CalTolvanDialog, TheHistoryDrawnAndKeptWhenClearingIsDismissed)
 {
     Wire wire;
     CalTolvanDialog dialog(nullptr, "bench", &wire.Doc(), false);
     wire.JoinRaw(&dialog);
     auto* tree = dialog.findChild<QTreeWidget*>();
     auto* span_gas = dialog.findChild<QLineEdit*>();
-    const struct { const char* button; const char* span_gas; std::string line; } cases[] = {
-        {"Zero", "", command("tolvan", "ch4zero")}, {"Span", "2.5", span("2.5")}, {"Span", "", span("")},
-        {"Span", " 1,50 µ", span(" 1,50 µ")},  // the span gas goes first, as typed
-        {"Commit", "", command("tolvan", "calcommit")}, {"Rollback", "", command("tolvan", "calrollback")},
-    };
-    for (const auto& c : cases) {
-        span_gas->setText(QString::fromUtf8(c.span_gas));
-        Click(&dialog, c.button);
-        EXPECT_EQ(wire.WaitForText("<cmd>"), c.line);
-    }
     span_gas->setText("7.25");  // being typed when the instrument's value comes
     wire.Tell(cal("<ch4zero>0.012</ch4zero><ch4lastzero>2026-01-02 10:00:00</ch4lastzero><ch4spanconc>3</ch4spanconc>"
                   "<history>" + record("2026-01-03 08:00:00", "CH4 Span") + record("2026-01-01 09:30:00", "CH4 Zero") +
@@ -64,41 +49,52 @@ TEST(CalTolvanDialog, CommandsAsTypedTheHistoryDrawnAndKeptWhenClearingIsDismiss
     EXPECT_EQ(wire.Doc().Conf().Cal().History().children().size(), 3u);
 }
 
-TEST(CalAdvancedDialog, ApplySendsTheDifferenceAndForcesARead)
+// The machine's zone is `zone`, whatever it was; the machine's own again after.
+struct LocalZone {
+    const bool was_set = qEnvironmentVariableIsSet("TZ");
+    const QByteArray saved = qgetenv("TZ");
+    explicit LocalZone(const char* zone) { qputenv("TZ", zone), tzset(); }
+    ~LocalZone() { was_set ? qputenv("TZ", saved) : qunsetenv("TZ"), tzset(); }
+};
+
+TEST(CalAdvancedDialog, ApplySendsOnlyEditsStampsAsTheInstrumentWritesThemAndForcesARead)
 {
+    const LocalZone oslo("Europe/Oslo");
+    ASSERT_FALSE(QDateTime(QDate(2026, 3, 29), QTime(2, 30)).isValid()) << "an hour that Oslo skips";
     Wire wire;
     CalAdvancedDialog dialog(nullptr, "bench", &wire.Doc());
     wire.Join(&dialog);
     QObject::connect(&dialog, &CalAdvancedDialog::CalUpdated, wire.connector.get(), &Connector::OnForceXMLUpdate);
-    wire.Tell(cal("<ch4zero>0.5</ch4zero><ch4lastspan>2025-06-07 08:09:10</ch4lastspan>"));
+    wire.Tell(cal("<ch4zero>0.5</ch4zero><ch4lastzero>2026-03-29 02:30:00</ch4lastzero>"));
+    auto* zero_time = dialog.findChild<QDateTimeEdit*>();
+    EXPECT_EQ(zero_time->text(), "2026-03-29 02:30:00");
     const auto edits = Edits(&dialog);  // zero, span, span gas
     ASSERT_EQ(edits.size(), 3u);
     EXPECT_EQ(edits[0]->text(), "0.5");
+    wire.Sent();
+    QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
+    Click(&dialog, "Apply");  // nothing differs: nothing goes out, the read is still forced
+    EXPECT_EQ(wire.Sent(), "");
+    EXPECT_EQ(forced.count(), 1);
     edits[1]->setText("1.5");
     edits[2]->setText("no number");  // left as it was, without a word
-    QSignalSpy forced(wire.connector.get(), &Connector::GotXMLChanges);
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    zero_time->setFocus();
+    zero_time->setSelectedSection(QDateTimeEdit::MinuteSection);
+    QTest::keyClicks(zero_time, "45");
     Click(&dialog, "Apply");
-    EXPECT_EQ(wire.WaitForText("<cal>"), "<arvex><tolvan><cal><ch4span>1.5</ch4span></cal></tolvan></arvex>\n");
-    EXPECT_EQ(forced.count(), 2);  // the send, then the forced read
+    EXPECT_EQ(wire.Sent(), cal("<ch4span>1.5</ch4span><ch4lastzero>2026-03-29 02:45:00</ch4lastzero>") + "\n");
+    EXPECT_EQ(forced.count(), 3);  // the forced read, the send
     EXPECT_EQ(edits[2]->text(), "2");
-    Click(&dialog, "Apply");  // nothing differs: nothing goes out, the read is still forced
-    EXPECT_EQ(forced.count(), 3);
     const QDateTime before = QDateTime::currentDateTimeUtc();
     Click(&dialog, "Now");
-    EXPECT_LE(std::abs(QDateTime(before.date(), before.time()).secsTo(dialog.findChild<QDateTimeEdit*>()->dateTime())), 5);
+    EXPECT_LE(std::abs(before.secsTo(zero_time->dateTime())), 5);
 }
-
-// Three hours east of UTC, with no daylight saving, whatever the machine's zone; the machine's again after.
-struct EastOfUtc {
-    const char* zone = std::getenv("TZ");
-    const std::string saved = zone ? zone : "";
-    EastOfUtc() { setenv("TZ", "XYZ-3", 1), tzset(); }
-    ~EastOfUtc() { zone ? setenv("TZ", saved.c_str(), 1) : unsetenv("TZ"), tzset(); }
-};
 
 TEST(CalDravikDialog, EveryCommandOnTheWireTheDocumentDrawnInLocalTimeAndAnAdvancedApply)
 {
-    const EastOfUtc east;
+    const LocalZone east("XYZ-3");  // three hours east of UTC, no daylight saving
     const struct { const char* group; const char* button; const char* element; } commands[] = {
         {"CO2A", "Zero", "co2azero"}, {"CO2B", "Zero", "co2bzero"}, {"H2OA", "Zero", "h2oazero"},
         {"H2OB", "Zero", "h2obzero"}, {"TCell A", "Zero", "tazero"}, {"TCell B", "Zero", "tbzero"},
@@ -120,19 +116,16 @@ TEST(CalDravikDialog, EveryCommandOnTheWireTheDocumentDrawnInLocalTimeAndAnAdvan
     EXPECT_EQ(oxygen->text(), "21.0");
     for (const auto& c : commands) {
         Click(group(&dialog, c.group), c.button);
-        EXPECT_EQ(wire.WaitForText("<dravik><c"), command("dravik", c.element)) << c.group;
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), CommandLine("dravik", c.element)) << c.group;
     }
     for (const auto& s : spans) {
         group(&dialog, s.group)->findChildren<QLineEdit*>()[s.n - 1]->setText(s.gas);
         Click(group(&dialog, s.group), "Span" + QString::number(s.n));
-        const std::string ch = QString(s.group).toLower().toStdString(), n = std::to_string(s.n);
-        EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><" + ch + "spanconc" + n + ">" + s.gas + "</" + ch +
-                                                      "spanconc" + n + "></cal><cmd><" + ch + "span" + n + ">true</" + ch +
-                                                      "span" + n + "></cmd></dravik></arvex>\n");
+        EXPECT_EQ(wire.WaitForText("<dravik><c"), DravikSpanLine(QString(s.group).toLower().toStdString(), s.n, s.gas));
     }
     oxygen->setText("20.5");
     Click(group(&dialog, "Oxygen %"), "Apply");
-    EXPECT_EQ(wire.WaitForText("<dravik><c"), "<arvex><dravik><cal><oxygen>20.5</oxygen></cal></dravik></arvex>\n");
+    EXPECT_EQ(wire.WaitForText("<dravik><c"), CalLine("dravik", "oxygen", "20.5"));
     for (const char* change : {"<co2azero>0.98</co2azero><h2obspanconc2>95</h2obspanconc2><oxygen>20.9</oxygen>",
                                "<co2azero>0.97</co2azero>"}) {
         span2->setText("being typed");
@@ -180,7 +173,7 @@ TEST(CalHaldenDialog, WholeCountsZerosAndAnAdvancedApplyThroughAFloat)
     EXPECT_TRUE(label_texts(&dialog).contains("Zero: 0"));
     for (const auto& [box, element] : {std::pair{"DC0", "zero_dc0"}, std::pair{"Pc0", "zero_pc0"}}) {
         Click(group(&dialog, box), "Zero");
-        EXPECT_EQ(wire.WaitForText("<cmd>"), command("halden", element));
+        EXPECT_EQ(wire.WaitForText("<cmd>"), CommandLine("halden", element));
     }
     wire.Tell("<arvex><halden><cal><DC0>412</DC0><Pc0>-37</Pc0></cal><history><record><time>2026-02-03 04:05:06</time>"
               "<type>DC0 Zero</type><DC0>412</DC0><Pc0>123456789</Pc0></record></history></halden></arvex>");

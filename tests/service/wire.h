@@ -75,16 +75,29 @@ struct Wire : FakeInstrument {
         EXPECT_TRUE(changed.wait(WIRE_TIMEOUT_MS)) << line;
     }
 
+    /// Every byte sent since the last call, held-back changes included: what lies on the socket
+    /// ahead of a mark of the test's own.
+    std::string Sent()
+    {
+        connector->OnSendXMLTimerTimeout();
+        connector->OnSendRawXML("<mark/>\n");
+        std::string bytes, line;
+        for (QDeadlineTimer deadline(WIRE_TIMEOUT_MS); !deadline.hasExpired(); socket->waitForReadyRead(5)) {
+            QCoreApplication::processEvents();  // the connector's socket writes
+            while (socket->canReadLine())
+                if ((line = socket->readLine().toStdString()) == "<mark/>\n")
+                    return bytes;
+                else
+                    bytes += line;
+        }
+        ADD_FAILURE() << "no mark";
+        return bytes;
+    }
+
     DocTolvan& Doc() { return connector->Doc_Tolvan(); }
 
     std::shared_ptr<Connector> connector;
 };
-
-/// The line of a one-shot command `element` to a `model`.
-inline std::string command(const std::string& model, const std::string& element)
-{
-    return "<arvex><" + model + "><cmd><" + element + ">true</" + element + "></cmd></" + model + "></arvex>\n";
-}
 
 /// Presses the button labelled `label` of the message box that the next call opens; an empty `label` dismisses it.
 inline void AnswerNextMessageBox(const QString& label)

@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "service/commands.h"
 #include "service/genericconfigdialog.h"
 #include "tests/watch/watch_test_util.h"
 #include "watch/configmorvikdialog.h"
@@ -233,7 +234,7 @@ TEST(WatchModels, EveryCommandButtonSendsItsLineAndConfigAndFactoryOpenOnceAsPag
         QPushButton* button = find_button(*window, row.button);
         ASSERT_TRUE(button) << row.type << " " << row.button;
         button->click();
-        const std::string line = command(row.type, row.element);
+        const std::string line = CommandLine(row.type, row.element);
         EXPECT_EQ(wire->WaitForText(line), line) << row.type << " " << row.button;
     }
     for (const auto& [type, window_and_wire] : windows) {
