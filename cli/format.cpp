@@ -10,28 +10,16 @@
 #include "cli/settings.h"
 #include "configurable/configbuiltin.h"
 #include "configurable/configcomposite.h"
+#include "foundation/str_util.h"
 
 namespace {
-
-std::string csv_field(const std::string& text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (char c : text) {
-        if (c == '"')
-            quoted += '"';
-        quoted += c;
-    }
-    return quoted + '"';
-}
 
 std::string joined(RecordFormat format, const std::string& first, const std::vector<std::string>& rest)
 {
     const char separator = format == RecordFormat::Csv ? ',' : '\t';
-    std::string line = format == RecordFormat::Csv ? csv_field(first) : first;
+    std::string line = format == RecordFormat::Csv ? CsvField(first) : first;
     for (const std::string& field : rest)
-        line += separator + (format == RecordFormat::Csv ? csv_field(field) : field);
+        line += separator + (format == RecordFormat::Csv ? CsvField(field) : field);
     return line + '\n';
 }
 

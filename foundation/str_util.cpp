@@ -62,3 +62,16 @@ int CaseInsensitiveStringCompare(const std::string& a, const std::string& b) {
         return 1;
     return Lower(*diff.first) < Lower(*diff.second) ? -1 : 1;
 }
+
+std::string CsvField(const std::string& text)
+{
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (char c : text) {
+        if (c == '"')
+            quoted += '"';
+        quoted += c;
+    }
+    return quoted + '"';
+}

@@ -29,4 +29,8 @@ std::size_t CaseInsensitiveStringFind(const std::string& text, const std::string
 /// start of the other is the lesser.
 int CaseInsensitiveStringCompare(const std::string& a, const std::string& b);
 
+/// A field of comma-separated text: as it stands, or in double quotes with its quotes doubled when
+/// it holds a comma, a quote or a line break.
+std::string CsvField(const std::string& text);
+
 #endif

@@ -31,19 +31,6 @@ std::string CsvNumber(float value)
     return shortest(value);
 }
 
-std::string CsvField(const std::string& text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (char c : text) {
-        if (c == '"')
-            quoted += '"';
-        quoted += c;
-    }
-    return quoted + '"';
-}
-
 std::string CsvLine(const std::vector<std::string>& fields)
 {
     std::string line;

@@ -5,12 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "foundation/str_util.h"  // CsvField
+
 /// The shortest text that reads back as the same number ("0.1", "1234567890.25", "nan").
 std::string CsvNumber(double value);
 std::string CsvNumber(float value);
-/// A field as it stands, or in double quotes with its quotes doubled when it holds a comma, a
-/// quote or a line break.
-std::string CsvField(const std::string& text);
 /// The fields with commas between them and a line feed at the end.
 std::string CsvLine(const std::vector<std::string>& fields);
 
