@@ -13,7 +13,7 @@
 #include "watch/toolwindow.h"
 
 ConfigMorvikDialog::ConfigMorvikDialog(QWidget* parent, const std::string& name, const std::string& type)
-    : QDialog(parent),
+    : ServiceDialog(parent),
       _connector(Connector::Factory(parent, name, type)),
       _morvik(_connector->Type() == "morvik" || _connector->Type() == "sarnel"),
       _head(_morvik ? &_connector->Doc_Morvik().Conf().Cfg().Head() : nullptr),

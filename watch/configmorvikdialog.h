@@ -2,10 +2,10 @@
 // The configuration window of a Morvik or Sarnel base unit, which the main panel opens in place of
 // a watch window: the head it serves, and its clock and network settings.
 
-#include <QDialog>
-
 #include <memory>
 #include <string>
+
+#include "service/servicedialog.h"
 
 class ClockTolvanDialog;
 class ConfigCfgClock;
@@ -16,7 +16,7 @@ class FactoryMorvikDialog;
 class NetworkTolvanDialog;
 class QLineEdit;
 
-class ConfigMorvikDialog : public QDialog {
+class ConfigMorvikDialog : public ServiceDialog {
     Q_OBJECT
 public:
     /// Finds or makes the connector of `name`; `type` is the type word ("morvik" or "sarnel").

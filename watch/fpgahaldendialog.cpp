@@ -20,7 +20,7 @@ const struct {
 }  // namespace
 
 FPGAHaldenDialog::FPGAHaldenDialog(QWidget* parent, const std::string& name)
-    : QDialog(parent), _text(new QTextEdit(this)), _timing(new QComboBox(this)), _run(new QPushButton("Run", this)),
+    : ServiceDialog(parent), _text(new QTextEdit(this)), _timing(new QComboBox(this)), _run(new QPushButton("Run", this)),
       _timer(new QTimer(this))
 {
     setWindowTitle("Halden FPGA Test: " + QString::fromStdString(name));

@@ -1,9 +1,9 @@
 #pragma once
 // The test console of the Halden's I/O logic.
 
-#include <QDialog>
-
 #include <string>
+
+#include "service/servicedialog.h"
 
 class QComboBox;
 class QPushButton;
@@ -13,7 +13,7 @@ class QTimer;
 /// The text in the editor goes to the instrument as plain lines on the link's socket, once or
 /// repeated at the chosen timing, each time with a line "out" added unless the text has the word
 /// in any case, so that the logic reports its outputs. The answers are the instrument's own.
-class FPGAHaldenDialog : public QDialog {
+class FPGAHaldenDialog : public ServiceDialog {
     Q_OBJECT
 public:
     FPGAHaldenDialog(QWidget* parent, const std::string& name);

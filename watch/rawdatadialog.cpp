@@ -18,7 +18,7 @@
 #include "link/variablestring.h"
 
 RawDataDialog::RawDataDialog(QWidget* parent, const std::string& name, ConfigCfgRawDataCapture* section)
-    : QDialog(parent), _section(section)
+    : ServiceDialog(parent), _section(section)
 {
     setWindowTitle(QString::fromStdString("Raw Data Capture: " + name));
 

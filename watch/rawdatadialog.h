@@ -1,12 +1,11 @@
 #pragma once
 // Asking a Halden for a raw capture and writing it to a file.
 
-#include <QDialog>
-
 #include <memory>
 #include <string>
 
 #include "link/connector.h"
+#include "service/servicedialog.h"
 
 class ConfigCfgRawDataCapture;
 class QComboBox;
@@ -25,7 +24,7 @@ class _RawDataCapture;
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
 /// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
-class RawDataDialog : public QDialog, public Connector::Listener {
+class RawDataDialog : public ServiceDialog, public Connector::Listener {
     Q_OBJECT
 public:
     /// `section` is the `rawdatacapture` section of the connector's document and outlives the

@@ -32,7 +32,7 @@ LinkHealth::Reading read(const Connector& connector, const Redialer* redialer)
 }  // namespace
 
 StationStatusDialog::StationStatusDialog(QWidget* parent)
-    : QDialog(parent), _table(new QTableWidget(0, COLUMNS, this)),
+    : ServiceDialog(parent), _table(new QTableWidget(0, COLUMNS, this)),
       _auto_reconnect(new QCheckBox("Reconnect automatically", this)), _alert_after(new QSpinBox(this))
 {
     setWindowTitle("Station Status");

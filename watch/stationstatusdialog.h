@@ -1,7 +1,6 @@
 #pragma once
 // One place that tells the truth about every instrument link, and brings lost ones back.
 
-#include <QDialog>
 #include <QPointer>
 
 #include <map>
@@ -11,6 +10,7 @@
 #include "link/connector.h"
 #include "link/linkhealth.h"
 #include "link/redialer.h"
+#include "service/servicedialog.h"
 
 class QCheckBox;
 class QPushButton;
@@ -28,7 +28,7 @@ class QTableWidget;
 /// older than "Alert after" turns red, and the system tray, where there is one, says so once per
 /// outage. The window holds no connector: a connector goes when its windows and the registry let
 /// it, and its row goes with it.
-class StationStatusDialog : public QDialog {
+class StationStatusDialog : public ServiceDialog {
     Q_OBJECT
 
 public:

@@ -23,7 +23,7 @@ const char* const kLogStop = "Stop Log";
 
 WatchDialog::WatchDialog(QWidget* parent, const std::string& name, const std::string& type, const QString& model,
                          std::vector<std::string> records)
-    : QDialog(parent),
+    : ServiceDialog(parent),
       _connector(Connector::Factory(parent, name, type)),
       _names(std::move(records)),
       _table(new MyTableWidget(this)),

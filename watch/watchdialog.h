@@ -2,7 +2,6 @@
 // What every watch window has: the live table of an instrument's records in pairs of columns,
 // charts by double click or drag from it, the log switch, and the link's Connect/Disconnect.
 
-#include <QDialog>
 #include <QPoint>
 #include <QString>
 
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "link/connector.h"
+#include "service/servicedialog.h"
 #include "watch/windowlayout.h"
 
 class MyTableWidget;
@@ -26,7 +26,7 @@ class QPushButton;
 ///
 /// The window deletes itself on closing and leaves its instrument connected: the Connector lives
 /// on in the registry and in every other window on the instrument, with its log file.
-class WatchDialog : public QDialog, public Connector::Listener {
+class WatchDialog : public ServiceDialog, public Connector::Listener {
     Q_OBJECT
 public:
     ~WatchDialog() override;

@@ -108,7 +108,7 @@ void WideTolvanDialog::SetPrintDialog(PrintDialogFunction run)
 WideTolvanDialog::WideTolvanDialog(QWidget* parent, const std::string& name, DocTolvan& document,
                                    const std::string& reference, const std::string& sample,
                                    const std::string& temperature)
-    : QDialog(parent),
+    : ServiceDialog(parent),
       _model(new QStandardItemModel(8, 3, this)),
       _plot(new QwtPlot(this)),
       _temperature(new QLabel(this)),

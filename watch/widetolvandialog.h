@@ -2,8 +2,6 @@
 // The wide spectrum scan of a Tolvan: the program walks the laser from 2 °C to 48 °C, a quarter
 // degree at a time, and joins the narrow waveforms it sees on the way into one spectrum.
 
-#include <QDialog>
-
 #include <deque>
 #include <functional>
 #include <memory>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "link/connector.h"
+#include "service/servicedialog.h"
 #include "watch/stitch.h"
 
 class DocTolvan;
@@ -28,7 +27,7 @@ class QwtPlotItem;
 /// what was scanned into the interpolated curves and the table, and sends the laser back to
 /// 2 °C. The laser stays on manual control: nothing gives control back to the instrument.
 /// A right click on the plot offers "Save Image..." and "Save Data..." (the table as CSV).
-class WideTolvanDialog : public QDialog, public Connector::Listener {
+class WideTolvanDialog : public ServiceDialog, public Connector::Listener {
     Q_OBJECT
 
 public:

@@ -3,6 +3,8 @@
 
 #include <functional>
 
+#include "libskarn/dochalden.h"
+#include "libskarn/doctolvan.h"
 #include "service/commands.h"
 #include "service/genericconfigdialog.h"
 #include "tests/watch/watch_test_util.h"
@@ -10,11 +12,14 @@
 #include "watch/fpgahaldendialog.h"
 #include "watch/mytablewidget.h"
 #include "watch/plotdialog.h"
+#include "watch/rawdatadialog.h"
+#include "watch/stationstatusdialog.h"
 #include "watch/watchbremmeldialog.h"
 #include "watch/watchdravikdialog.h"
 #include "watch/watchhaldendialog.h"
 #include "watch/watchquentadialog.h"
 #include "watch/watchtolvandialog.h"
+#include "watch/widetolvandialog.h"
 
 Q_DECLARE_METATYPE(std::string)
 
@@ -289,6 +294,45 @@ TEST(WatchModels, MorvikConfigurationAppliesTheHead)
     EXPECT_TRUE(find_button(dialog, "Factory...")->isEnabled());
     ConfigMorvikDialog sarnel(nullptr, test_host() + "s", "sarnel");
     EXPECT_FALSE(find_button(sarnel, "Factory...")->isEnabled());
+}
+
+// Return in any field of a watch window or of a tool window it opens presses none of its buttons:
+// every button there sends to the instrument or throws the user's edits away.
+TEST(WatchKeys, ReturnPressesNoButtonInAnyWindow)
+{
+    DocTolvan tolvan;
+    DocHalden halden;
+    const std::function<QDialog*()> opens[] = {
+        [] { return new WatchTolvanDialog(nullptr, test_host() + "tolvan", "tolvan"); },
+        [] { return make_window("quenta", test_host() + "quenta").release(); },
+        [] { return make_window("dravik", test_host() + "dravik").release(); },
+        [] { return make_window("halden", test_host() + "halden").release(); },
+        [] { return make_window("bremmel", test_host() + "bremmel").release(); },
+        [] { return new ConfigMorvikDialog(nullptr, test_host() + "morvik", "morvik"); },
+        [] { return new FPGAHaldenDialog(nullptr, test_host()); },
+        [&] { return new RawDataDialog(nullptr, test_host(), &halden.Conf().Cfg().Rawdatacapture()); },
+        [&] { return new WideTolvanDialog(nullptr, test_host(), tolvan, "a:DATAR:W", "a:DATAS:W", "a:DATASTAT:T"); },
+        [] { return new StationStatusDialog(nullptr); },
+    };
+    for (const auto& open : opens) {
+        std::unique_ptr<QDialog> window(open());
+        window->setAttribute(Qt::WA_DeleteOnClose, false);
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        int pressed = 0;
+        for (QPushButton* button : window->findChildren<QPushButton*>()) {
+            EXPECT_FALSE(button->isDefault() || button->autoDefault())
+                << window->windowTitle().toStdString() << ": " << button->text().toStdString();
+            QObject::connect(button, &QPushButton::clicked, [&] { ++pressed; });
+        }
+        for (QWidget* field : window->findChildren<QWidget*>())
+            if ((field->focusPolicy() & Qt::TabFocus) && field->isVisible() && !qobject_cast<QPushButton*>(field)) {
+                field->setFocus();
+                QTest::keyClick(field, Qt::Key_Return);
+            }
+        EXPECT_EQ(pressed, 0) << window->windowTitle().toStdString();
+        EXPECT_TRUE(window->isVisible()) << window->windowTitle().toStdString();
+    }
 }
 
 }  // namespace
