@@ -134,6 +134,26 @@ TEST_F(Chart, PausedVariablesDropSamples)
     EXPECT_TRUE(label_texts(&plot).contains(" Mean: 20"));
 }
 
+// The width combo sets the time axis of every curve, one added later too; the y range is what it shows.
+TEST_F(Chart, WidthComboSetsTheAxisOfEveryCurve)
+{
+    PlotDialog plot(nullptr, Var("X"), "Tolvan Data");
+    for (int t = 0; t <= 100; ++t)
+        Data(t, t);
+    const auto shown = [&](int curve) {
+        return plot.Plot()->itemList(QwtPlotItem::Rtti_PlotCurve).at(curve)->boundingRect();
+    };
+    EXPECT_EQ(shown(0), QRectF(-60, 40, 60, 60));
+    auto* combo = plot.findChild<QComboBox*>();
+    combo->setCurrentIndex(0);
+    EXPECT_EQ(shown(0), QRectF(-10, 90, 10, 10));
+    plot._AddPlotItem(Var("Y"), false);
+    Data(101, 101);
+    EXPECT_EQ(shown(1).left(), -10);
+    combo->setCurrentIndex(2);
+    EXPECT_EQ(shown(0), QRectF(-300, 0, 300, 101));
+}
+
 TEST_F(Chart, DropsGoOnTheAxisOfTheirHalf)
 {
     DropTarget plot(nullptr, "", "Tolvan Data");
