@@ -199,6 +199,7 @@ Connector::Connector(QWidget* parent, const std::string& name, const std::string
     _record_kinds["DATAEVENT"] = RecEvent;
     _record_kinds["DATAU"] = RecUnit;
     _record_kinds["DATAFLRAW"] = RecRaw;
+    _built_in_kinds = _record_kinds.size();
 
     connect(_socket, &QTcpSocket::readyRead, this, &Connector::OnSocketRead);
     connect(_socket, &QTcpSocket::errorOccurred, this, &Connector::OnSocketError);
@@ -373,10 +374,16 @@ RecordKind Connector::RecordType(const std::string& name)
         return it->second;
     if (name.size() < 4 || name.compare(0, 4, "DATA") != 0)
         return RecUnknown;
-    if (name.back() != 'H')
-        return _record_kinds[name] = RecData;
+    const bool header = name.back() == 'H';
+    const std::string data = header ? name.substr(0, name.size() - 1) : name;
+    // Names made up without end must not grow the tables without end.
+    const size_t learning = header && !_record_kinds.count(data) ? 2 : 1;
+    if (_record_kinds.size() - _built_in_kinds + learning > MAX_LEARNED_RECORDS)
+        return RecUnknown;
     // A new family: the header names a data record, whatever that record was before.
-    _record_kinds[name.substr(0, name.size() - 1)] = RecData;
+    _record_kinds[data] = RecData;
+    if (!header)
+        return RecData;
     return _record_kinds[name] = RecHeader;
 }
 
@@ -436,7 +443,7 @@ void Connector::HandleData(const std::string& line)
         std::string event, rest;
         if (tokens.next(token)) {
             event.assign(token);
-            _lines[event] = line;
+            _StoreEvent(event, line);
             const size_t start = std::min(tokens.position() + 1, line.size());
             rest = line.substr(start, line.find('\n', start) - start);
         }
@@ -456,6 +463,17 @@ void Connector::HandleData(const std::string& line)
         return;
     case RecUnknown:
         return;
+    }
+}
+
+void Connector::_StoreEvent(const std::string& event, const std::string& line)
+{
+    auto stored = _lines.find(event);
+    if (stored != _lines.end()) {
+        stored->second = line;
+    } else if (_event_words < MAX_EVENT_WORDS) {
+        _lines.emplace(event, line);
+        ++_event_words;
     }
 }
 

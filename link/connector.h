@@ -156,6 +156,13 @@ public:
 
     void SendClockSyncMessages(bool on);
 
+    /// Record names learned from the stream beyond the built-in ones: past these a new name is
+    /// unknown, and its lines are dropped like any other fault of the stream.
+    static constexpr size_t MAX_LEARNED_RECORDS = 1024;
+    /// Event words whose latest line is kept for LookupEvent and the log file's head; later new
+    /// words are still logged and told to listeners.
+    static constexpr size_t MAX_EVENT_WORDS = 256;
+
     void HandleData(const std::string& line);
     void HandleXML(const std::string& line);
     RecordKind RecordType(const std::string& name);
@@ -219,6 +226,8 @@ private:
     void _LogToFile(int kind, const std::string& record, const std::string& line);
     void _WriteLog(const std::string& text);
     void _UnpackDiagnostics();
+    /// Keeps the latest line of an event word, up to MAX_EVENT_WORDS words.
+    void _StoreEvent(const std::string& event, const std::string& line);
     void _HandleHeader(const std::string& record, size_t fields_at, const std::string& line);
 
     void _NotifyListenersOfData(const std::string& record);
@@ -253,6 +262,8 @@ private:
     std::map<std::string, std::string> _last_data_lines;
 
     std::map<std::string, RecordKind> _record_kinds;
+    size_t _built_in_kinds = 0;
+    size_t _event_words = 0;
     std::map<std::string, std::vector<std::string>> _headers;
     std::map<std::string, std::vector<std::string>> _units;
     std::map<std::string, std::vector<std::string>> _strings;

@@ -7,9 +7,7 @@
 #include <QVBoxLayout>
 
 #include "link/connector.h"
-#include "service/clocktolvandialog.h"
 #include "service/factorydialog.h"
-#include "service/networktolvandialog.h"
 #include "watch/toolwindow.h"
 
 ConfigMorvikDialog::ConfigMorvikDialog(QWidget* parent, const std::string& name, const std::string& type)
@@ -117,19 +115,10 @@ void ConfigMorvikDialog::OnFactoryClicked()
 
 void ConfigMorvikDialog::OnClockClicked()
 {
-    ShowToolWindow(_clock, [this] {
-        auto* dialog = new ClockTolvanDialog(this, _connector->Host(), &_Clock());
-        JoinToConnector(dialog, *_connector);
-        dialog->OnRefresh();
-        return dialog;
-    });
+    ShowClockWindow(_clock, this, *_connector, _Clock());
 }
 
 void ConfigMorvikDialog::OnNetworkClicked()
 {
-    ShowToolWindow(_network, [this] {
-        auto* dialog = new NetworkTolvanDialog(this, _connector->Host(), &_Network(), _connector->Type());
-        JoinToConnector(dialog, *_connector);
-        return dialog;
-    });
+    ShowNetworkWindow(_network, this, *_connector, _Network());
 }

@@ -202,6 +202,7 @@ void PlotDialog::_AddPlotItem(const std::string& text, bool right)
         return;
     const QColor color(_PenColors[_variables.size() % _PenColors.size()]);
     _variables.push_back(std::make_unique<_PlotData>(text, _variables.empty() ? this : nullptr));
+    _variables.back()->width = _width_combo->currentData().toDouble();  // a late curve keeps to the axis shown
 
     auto* curve = new DenseCurve(QwtText(QString::fromStdString(text)));
     curve->setStyle(QwtPlotCurve::Lines);

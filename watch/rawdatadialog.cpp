@@ -124,6 +124,12 @@ void RawDataDialog::OnCaptureButton()
     _progress->setTextVisible(true);
 }
 
+void RawDataDialog::OnDisconnected()
+{
+    if (_capture)
+        _EndCapture("Status: Transfer cut: the link to the instrument was lost");
+}
+
 void RawDataDialog::GotConnectorRawData(Connector&, std::string record, std::string line)
 {
     if (!_capture)

@@ -20,10 +20,12 @@ class _RawDataCapture;
 /// DATAFLRAW record on and starts the recording in one message. The lines that come back go
 /// through a _RawDataCapture into the file as they arrive; a line with an empty payload ends the
 /// capture. There is no time-out: without an end mark the capture stays open and "Capture" stays
-/// disabled. Closing the window only hides it; a capture goes on in the background.
+/// disabled, until the link is lost: that ends it, so that a later capture's lines never reach
+/// this one's file. Closing the window only hides it; a capture goes on in the background.
 ///
 /// Joints: SendXMLChanges() to Connector::OnSendXMLChanges(), SendRawXML to
-/// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged().
+/// Connector::OnSendRawXML, Connector::GotXMLChanges() to OnXMLChanged(), Connector::Disconnected()
+/// to OnDisconnected().
 class RawDataDialog : public ServiceDialog, public Connector::Listener {
     Q_OBJECT
 public:
@@ -46,6 +48,8 @@ public slots:
     /// Starts a capture unless one is in progress. A size that is no number or below 1, or an
     /// empty file name, starts nothing, and nothing is said.
     void OnCaptureButton();
+    /// A capture in progress ends, its file closed with what came, and the status says it was cut.
+    void OnDisconnected();
 
 private:
     void _UpdateFromXML();

@@ -1,8 +1,6 @@
 #include "watch/watchbremmeldialog.h"
 
-#include "service/clocktolvandialog.h"
 #include "service/modeldialogs.h"
-#include "service/networktolvandialog.h"
 #include "watch/mytablewidget.h"
 
 namespace {
@@ -35,9 +33,7 @@ void WatchBremmelDialog::GotConnectorHeader(Connector& connector, std::string re
     const auto found = _columns.find(record);
     if (found == _columns.end())
         return;
-    _table->setUpdatesEnabled(false);
-    _UpdateColumn(found->second, connector.Header(record));
-    _table->setUpdatesEnabled(true);
+    _Refresh([&] { _UpdateColumn(found->second, connector.Header(record)); });
 }
 
 void WatchBremmelDialog::GotConnectorData(Connector& connector, std::string record)
@@ -45,9 +41,7 @@ void WatchBremmelDialog::GotConnectorData(Connector& connector, std::string reco
     const auto found = _columns.find(record);
     if (found == _columns.end() || !_throttle.Due(connector.Time()))
         return;
-    _table->setUpdatesEnabled(false);
-    _UpdateColumn(found->second, connector.VarStrings(record));
-    _table->setUpdatesEnabled(true);
+    _Refresh([&] { _UpdateColumn(found->second, connector.VarStrings(record)); });
 }
 
 void WatchBremmelDialog::OnStartUSBLogging()
@@ -67,22 +61,12 @@ void WatchBremmelDialog::OnEjectUSB()
 
 void WatchBremmelDialog::OnClockClicked()
 {
-    ShowToolWindow(_clock, [this] {
-        auto* dialog = new ClockTolvanDialog(this, _connector->Host(), &_connector->Doc_Bremmel().Conf().Cfg().Clock());
-        JoinToConnector(dialog, *_connector);
-        dialog->OnRefresh();
-        return dialog;
-    });
+    ShowClockWindow(_clock, this, *_connector, _connector->Doc_Bremmel().Conf().Cfg().Clock());
 }
 
 void WatchBremmelDialog::OnNetworkClicked()
 {
-    ShowToolWindow(_network, [this] {
-        auto* dialog = new NetworkTolvanDialog(this, _connector->Host(),
-                                               &_connector->Doc_Bremmel().Conf().Cfg().Network(), _connector->Type());
-        JoinToConnector(dialog, *_connector);
-        return dialog;
-    });
+    ShowNetworkWindow(_network, this, *_connector, _connector->Doc_Bremmel().Conf().Cfg().Network());
 }
 
 GenericConfigDialog* WatchBremmelDialog::_MakeConfigDialog()

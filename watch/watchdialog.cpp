@@ -130,16 +130,21 @@ void WatchDialog::GotConnectorHeader(Connector& connector, std::string record)
     const auto found = std::find(_names.begin(), _names.end(), record);
     if (found == _names.end())
         return;
-    _table->setUpdatesEnabled(false);
-    _UpdateColumn(int(found - _names.begin()), connector.Header(record));
-    _table->setUpdatesEnabled(true);
+    _Refresh([&] { _UpdateColumn(int(found - _names.begin()), connector.Header(record)); });
 }
 
 void WatchDialog::_UpdateValueColumns()
 {
+    _Refresh([&] {
+        for (size_t column = 1; column < _names.size(); column += 2)
+            _UpdateColumn(int(column), _connector->VarStrings(_names[column]));
+    });
+}
+
+void WatchDialog::_Refresh(const std::function<void()>& fill)
+{
     _table->setUpdatesEnabled(false);
-    for (size_t column = 1; column < _names.size(); column += 2)
-        _UpdateColumn(int(column), _connector->VarStrings(_names[column]));
+    fill();
     _table->setUpdatesEnabled(true);
 }
 

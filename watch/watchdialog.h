@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -77,6 +78,9 @@ protected:
     void _UpdateColumnHeader();
     /// Refills every value column from the connector's latest texts, with one repaint.
     void _UpdateValueColumns();
+    /// Runs `fill` (_UpdateColumn as often as it takes) with the table's repaints held: the table
+    /// paints once for the whole change.
+    void _Refresh(const std::function<void()>& fill);
     /// "Watching Tolvan: " and the rest.
     void _SetTitle(const std::string& rest);
 

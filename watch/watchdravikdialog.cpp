@@ -45,22 +45,12 @@ void WatchDravikDialog::OnWaveClicked()
 
 void WatchDravikDialog::OnCalClicked()
 {
-    ShowToolWindow(_cal, [this] {
-        auto* dialog = new CalDravikDialog(this, _connector->Host(), &_connector->Doc_Dravik(), false);
-        JoinToConnector(dialog, *_connector);
-        connect(dialog, &CalDravikDialog::OnAdvancedClicked, this, &WatchDravikDialog::OnCalAdvancedClicked);
-        return dialog;
-    });
+    ShowCalPanel(_cal, this, &WatchDravikDialog::OnCalAdvancedClicked, *_connector, _connector->Doc_Dravik());
 }
 
 void WatchDravikDialog::OnCalAdvancedClicked()
 {
-    ShowToolWindow(_cal_advanced, [this] {
-        auto* dialog = new CalDravikAdvancedDialog(this, _connector->Host(), &_connector->Doc_Dravik());
-        JoinChangesToConnector(dialog, *_connector);
-        connect(dialog, &CalDravikAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-        return dialog;
-    });
+    ShowCalEditor(_cal_advanced, this, *_connector, _connector->Doc_Dravik());
 }
 
 void WatchDravikDialog::OnRateClicked()

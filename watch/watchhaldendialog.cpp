@@ -76,22 +76,12 @@ void WatchHaldenDialog::OnFPGAClicked()
 
 void WatchHaldenDialog::OnCalClicked()
 {
-    ShowToolWindow(_cal, [this] {
-        auto* dialog = new CalHaldenDialog(this, _connector->Host(), &_connector->Doc_Halden(), false);
-        JoinToConnector(dialog, *_connector);
-        connect(dialog, &CalHaldenDialog::OnAdvancedClicked, this, &WatchHaldenDialog::OnCalAdvancedClicked);
-        return dialog;
-    });
+    ShowCalPanel(_cal, this, &WatchHaldenDialog::OnCalAdvancedClicked, *_connector, _connector->Doc_Halden());
 }
 
 void WatchHaldenDialog::OnCalAdvancedClicked()
 {
-    ShowToolWindow(_cal_advanced, [this] {
-        auto* dialog = new CalHaldenAdvancedDialog(this, _connector->Host(), &_connector->Doc_Halden());
-        JoinChangesToConnector(dialog, *_connector);
-        connect(dialog, &CalHaldenAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-        return dialog;
-    });
+    ShowCalEditor(_cal_advanced, this, *_connector, _connector->Doc_Halden());
 }
 
 void WatchHaldenDialog::OnRawCaptureClicked()
@@ -99,6 +89,7 @@ void WatchHaldenDialog::OnRawCaptureClicked()
     ShowToolWindow(_raw, [this] {
         auto* dialog = new RawDataDialog(this, _connector->Host(), &_connector->Doc_Halden().Conf().Cfg().Rawdatacapture());
         JoinToConnector(dialog, *_connector);
+        connect(_connector.get(), &Connector::Disconnected, dialog, &RawDataDialog::OnDisconnected);
         return dialog;
     });
 }

@@ -69,12 +69,12 @@ void WatchModelDialog::GotConnectorHeaderMatch(Connector& connector, std::string
     }
     if (!IsRunTimeHeader(record))
         return;
-    _table->setUpdatesEnabled(false);
-    _names.push_back(record);
-    _names.push_back(record.substr(0, record.size() - 1));
-    _UpdateColumnHeader();
-    _UpdateColumn(int(_names.size()) - 2, connector.Header(record));
-    _table->setUpdatesEnabled(true);
+    _Refresh([&] {
+        _names.push_back(record);
+        _names.push_back(record.substr(0, record.size() - 1));
+        _UpdateColumnHeader();
+        _UpdateColumn(int(_names.size()) - 2, connector.Header(record));
+    });
 }
 
 void WatchModelDialog::GotConnectorData(Connector& connector, std::string)

@@ -7,10 +7,8 @@
 
 #include "service/caladvanceddialog.h"
 #include "service/caltolvandialog.h"
-#include "service/clocktolvandialog.h"
 #include "service/factorydialog.h"
 #include "service/heaterstolvandialog.h"
-#include "service/networktolvandialog.h"
 #include "service/ratedialog.h"
 #include "service/temptolvandialog.h"
 #include "watch/mytablewidget.h"
@@ -135,22 +133,12 @@ void WatchTolvanDialog::OnTClicked()
 
 void WatchTolvanDialog::OnCalClicked()
 {
-    ShowToolWindow(_cal, [this] {
-        auto* dialog = new CalTolvanDialog(this, _connector->Host(), &_connector->Doc_Tolvan(), false);
-        JoinToConnector(dialog, *_connector);
-        connect(dialog, &CalTolvanDialog::OnAdvancedClicked, this, &WatchTolvanDialog::OnCalAdvancedClicked);
-        return dialog;
-    });
+    ShowCalPanel(_cal, this, &WatchTolvanDialog::OnCalAdvancedClicked, *_connector, _connector->Doc_Tolvan());
 }
 
 void WatchTolvanDialog::OnCalAdvancedClicked()
 {
-    ShowToolWindow(_cal_advanced, [this] {
-        auto* dialog = new CalAdvancedDialog(this, _connector->Host(), &_connector->Doc_Tolvan());
-        JoinChangesToConnector(dialog, *_connector);
-        connect(dialog, &CalAdvancedDialog::CalUpdated, _connector.get(), &Connector::OnForceXMLUpdate);
-        return dialog;
-    });
+    ShowCalEditor(_cal_advanced, this, *_connector, _connector->Doc_Tolvan());
 }
 
 void WatchTolvanDialog::OnFactoryClicked()
@@ -173,26 +161,16 @@ void WatchTolvanDialog::OnHeatersClicked()
 
 void WatchTolvanDialog::OnClockClicked()
 {
-    ShowToolWindow(_clock, [this] {
-        ConfigCfgClock& clock = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Clock()
-                                            : _connector->Doc_Tolvan().Conf().Cfg().Clock();
-        auto* dialog = new ClockTolvanDialog(this, _connector->Host(), &clock);
-        JoinToConnector(dialog, *_connector);
-        return dialog;
-    });
-    // Every opening asks the instrument for its clock at once.
-    _clock->OnRefresh();
+    ShowClockWindow(_clock, this, *_connector,
+                    _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Clock()
+                                : _connector->Doc_Tolvan().Conf().Cfg().Clock());
 }
 
 void WatchTolvanDialog::OnNetworkClicked()
 {
-    ShowToolWindow(_network, [this] {
-        ConfigCfgNetwork& network = _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Network()
-                                                : _connector->Doc_Tolvan().Conf().Cfg().Network();
-        auto* dialog = new NetworkTolvanDialog(this, _connector->Host(), &network, _connector->Type());
-        JoinToConnector(dialog, *_connector);
-        return dialog;
-    });
+    ShowNetworkWindow(_network, this, *_connector,
+                      _IsMorvik() ? _connector->Doc_Morvik().Conf().Cfg().Network()
+                                  : _connector->Doc_Tolvan().Conf().Cfg().Network());
 }
 
 void WatchTolvanDialog::OnRateClicked()

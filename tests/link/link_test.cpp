@@ -140,6 +140,39 @@ TEST_F(StreamTest, ValuesFollowTheHeader)
     EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 2);  // repeated names share one number
 }
 
+// A stream that makes up names without end is cut off at the bounds; what it knew goes on working.
+TEST_F(StreamTest, MadeUpNamesStopAtTheBounds)
+{
+    connector->RegisterListener("DATA", &listener);
+    connector->RegisterListener("DATAEVENT", &listener);
+    connector->StartLoggingToFile();
+    connector->HandleData("DATAH\tA\tB\tC\n");
+    connector->HandleData("DATANEWH\tX\tY\tZ\n");  // learns two names
+    for (size_t i = 0; i < Connector::MAX_LEARNED_RECORDS; ++i)
+        connector->HandleData(with_sum("DATAX" + std::to_string(i) + "\t1\t2\t3\t"));
+    for (size_t i = 0; i < Connector::MAX_EVENT_WORDS + 10; ++i)
+        connector->HandleData("DATAEVENT\tEV" + std::to_string(i) + "\tsaid\n");
+    EXPECT_EQ(connector->RecordType("DATAX1021"), RecData);
+    for (const char* late : {"DATAX1022", "DATAYH", "DATAX5H"})
+        EXPECT_EQ(connector->RecordType(late), RecUnknown) << late;
+    EXPECT_EQ(connector->LookupEvent("EV255"), "DATAEVENT\tEV255\tsaid\n");
+    EXPECT_EQ(connector->LookupEvent("EV256"), "");
+    connector->HandleData("DATAEVENT\tEV3\tagain\n");  // a stored word keeps its latest line
+    EXPECT_EQ(connector->LookupEvent("EV3"), "DATAEVENT\tEV3\tagain\n");
+    EXPECT_NE(log.find("L:Event:DATAEVENT:EV265:said "), std::string::npos);
+
+    log.clear();
+    connector->HandleData(data1);
+    connector->HandleData(with_sum("DATANEW\t4\t5\t6\t"));
+    EXPECT_EQ(log, "L:Data:DATA L:Post:DATA ");
+    EXPECT_EQ(connector->VarNumeric(name + ":DATA:A"), 1);
+    EXPECT_EQ(connector->VarNumeric(name + ":DATANEW:X"), 4);
+    connector->StopLoggingToFile();
+    const std::string file = logged();
+    EXPECT_NE(file.find("DATAEVENT\tEV265\tsaid\nDATAEVENT\tEV3\tagain\n" + data1), std::string::npos);
+    EXPECT_EQ(file.find("DATAX1022"), std::string::npos);
+}
+
 // A field reads as a fresh stream reads it: trailing text ignored, 0 when it does not parse.
 TEST_F(StreamTest, FieldsReadAsAStreamReadsThem)
 {

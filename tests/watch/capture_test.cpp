@@ -155,6 +155,54 @@ TEST(HaldenFromSim, ZeroAddsAHistoryRowAndRawCapturesArriveByteForByte)
     EXPECT_FALSE(sim.Log().contains("dropped")) << sim.Log().toStdString();
 }
 
+// The instrument goes away in the middle of a capture: the capture ends and says so, and the window
+// lives on. Back, the instrument fills the window's table again, and a capture from a second window
+// lands in its own file only.
+TEST(HaldenFromSim, ALostLinkCutsTheCaptureAndTheWindowWorksAgainOnceTheInstrumentIsBack)
+{
+    QTemporaryDir dir;
+    const QString first = dir.filePath("first.dat"), second = dir.filePath("second.dat");
+    auto sim = std::make_unique<SimProcess>(QStringList{"--model", "halden", "--name", "cut-fluor"});
+    ASSERT_TRUE(sim->WaitListening());
+    QPointer<WatchHaldenDialog> window = open_window<WatchHaldenDialog>(*sim, "cut-fluor", "halden");
+    Connector& link = window->GetConnector();
+    auto* table = window->findChild<QTableWidget*>();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return cell(*table, 0, 1) != ""; }, TIMEOUT_MS));
+    const auto capture = [](QWidget& watch, int64_t size, const QString& path) {
+        find_button(watch, "Raw Capture...")->click();
+        auto* dialog = shown_dialog(watch, "Raw Data Capture: cut-fluor");
+        dialog->findChildren<QLineEdit*>()[0]->setText(QString::number(size));
+        dialog->findChildren<QLineEdit*>()[1]->setText(path);
+        find_button(*dialog, "Capture")->click();
+        return dialog;
+    };
+    const auto status = [](QDialog* dialog) { return label_texts(dialog).filter("Status: ").value(0); };
+    QDialog* cut = capture(*window, 67000000, first);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return status(cut) == "Status: Transfering raw data..."; }, TIMEOUT_MS));
+    sim.reset();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return status(cut) == "Status: Transfer cut: the link to the instrument was lost"; }, TIMEOUT_MS));
+    EXPECT_FALSE(link.IsConnected());
+    EXPECT_TRUE(find_button(*cut, "Capture")->isEnabled());
+    const std::string kept = read_file(first.toStdString());
+    EXPECT_TRUE(kept.size() < 67000000 && kept == sim_bytes(int64_t(kept.size()))) << kept.size();
+
+    table->item(0, 1)->setText("");
+    SimProcess back({"--model", "halden", "--name", "cut-fluor"});
+    ASSERT_TRUE(back.WaitListening());
+    std::unique_ptr<WatchHaldenDialog> other(open_window<WatchHaldenDialog>(back, "cut-fluor", "halden").data());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return cell(*table, 0, 1) != ""; }, TIMEOUT_MS));
+    // A second on by the instrument's clock, the first capture's settings are out of the link's
+    // send period: the next ones go at once.
+    const double back_at = cell(*table, 0, 1).toDouble();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return cell(*table, 0, 1).toDouble() >= back_at + 1; }, TIMEOUT_MS));
+    QDialog* next = capture(*other, 100000, second);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return status(next) == "Status: Idle"; }, 20 * TIMEOUT_MS));
+    EXPECT_TRUE(read_file(second.toStdString()) == sim_bytes(100000));
+    EXPECT_TRUE(read_file(first.toStdString()) == kept);
+    delete window.data();
+}
+
 // `bytes` deflated, `line_bytes` compressed bytes to a Base64 line that decodes on its own.
 std::vector<std::string> raw_payloads(const std::string& bytes, size_t line_bytes)
 {

@@ -12,6 +12,8 @@
 #include <qwt_plot_curve.h>
 #include <qwt_plot_zoomer.h>
 
+#include "sim/sim_instrument.h"
+#include "sim/spectrum.h"
 #include "tests/sim/sim_process.h"
 #include "tests/watch/watch_test_util.h"
 #include "watch/chartstatistics.h"
@@ -132,6 +134,26 @@ TEST_F(Chart, PausedVariablesDropSamples)
     // The labels follow the first variable only.
     EXPECT_TRUE(label_texts(&plot).contains(" Max: 30"));
     EXPECT_TRUE(label_texts(&plot).contains(" Mean: 20"));
+}
+
+// The width combo sets the time axis of every curve, one added later too; the y range is what it shows.
+TEST_F(Chart, WidthComboSetsTheAxisOfEveryCurve)
+{
+    PlotDialog plot(nullptr, Var("X"), "Tolvan Data");
+    for (int t = 0; t <= 100; ++t)
+        Data(t, t);
+    const auto shown = [&](int curve) {
+        return plot.Plot()->itemList(QwtPlotItem::Rtti_PlotCurve).at(curve)->boundingRect();
+    };
+    EXPECT_EQ(shown(0), QRectF(-60, 40, 60, 60));
+    auto* combo = plot.findChild<QComboBox*>();
+    combo->setCurrentIndex(0);
+    EXPECT_EQ(shown(0), QRectF(-10, 90, 10, 10));
+    plot._AddPlotItem(Var("Y"), false);
+    Data(101, 101);
+    EXPECT_EQ(shown(1).left(), -10);
+    combo->setCurrentIndex(2);
+    EXPECT_EQ(shown(0), QRectF(-300, 0, 300, 101));
 }
 
 TEST_F(Chart, DropsGoOnTheAxisOfTheirHalf)
@@ -422,43 +444,58 @@ std::vector<std::pair<double, double>> read_columns(std::istream&& in)
     return rows;
 }
 
-// The instrument runs three times as fast: a step each third of a second, the sweep about a
-// minute. Five samples a second, each status record going out with one.
+// The simulated Tolvan runs in the test, tick by tick as its server runs it at speed 3 (60 ms of
+// its time a tick, five samples a second, each status record going out with one), and each message
+// reaches it at once: the sweep sees the same stream on any machine at any load.
 TEST(WideTolvanDialog, SweepReproducesTheSimulatedSpectrum)
 {
-    constexpr int SWEEP_MS = 300000;
-    SimProcess sim({"--model", "tolvan", "--name", "widesweep", "--speed", "3", "--rate", "5"});
-    ASSERT_TRUE(sim.WaitListening());
+    auto sim = SimInstrument::Make("tolvan", "widesweep");
+    ASSERT_TRUE(sim->SetRate(5));
+    sim->Serve("<arvex><tolvan><output><status>true</status><waveforms>true</waveforms></output></tolvan></arvex>");
     std::unique_ptr<WatchTolvanDialog> window(new WatchTolvanDialog(nullptr, test_host(), "tolvan"));
-    window->Connect("127.0.0.1", 0, sim.port);
     Connector& link = window->GetConnector();
-    const std::string laser = test_host() + ":DATASTAT:LCTACTUAL";
-    ASSERT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(laser) != 0; }, TIMEOUT_MS));
-    // Opened twice, one window; the first opening sends the laser to 2 °C.
+    const auto feed = [&](const std::string& lines) {
+        for (const std::string& line : split_lines(lines))
+            link.HandleData(line + "\n");
+    };
+    feed(sim->Headers());
+    double now = 0;
+    // Ticks until `done`, within an hour of the instrument's time.
+    const auto run_until = [&](const std::function<bool()>& done) {
+        while (!done() && now < 3600) {
+            sim->Advance(now += 0.06);
+            feed(sim->TakeLines());
+        }
+        return done();
+    };
+    // Opened twice, one window; opening sends the laser to 2 °C.
     find_button(*window, "Wide Scan")->click();
     find_button(*window, "Wide Scan")->click();
     ASSERT_EQ(window->findChildren<WideTolvanDialog*>().size(), 1);
     WideTolvanDialog& dialog = *window->findChild<WideTolvanDialog*>();
     EXPECT_TRUE(dialog.isVisible());
     std::vector<std::string> sent;
-    QObject::connect(&dialog, &WideTolvanDialog::SendRawXML, [&](std::string text) { sent.push_back(text); });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return std::abs(link.VarNumeric(laser) - 2.0) < 0.001; }, SWEEP_MS));
+    QObject::connect(&dialog, &WideTolvanDialog::SendRawXML, [&](std::string text) {
+        sent.push_back(text);
+        sim->Serve(text);
+    });
+    dialog.SetStartLaserTemp();
+    const std::string laser = test_host() + ":DATASTAT:LCTACTUAL";
+    ASSERT_TRUE(run_until([&] { return std::abs(link.VarNumeric(laser) - 2.0) < 0.001; }));
     find_button(dialog, "Start")->click();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return sent.size() == 186; }, SWEEP_MS)) << sent.size();
-    std::vector<double> expected;
+    ASSERT_TRUE(run_until([&] { return sent.size() == 187; })) << sent.size();
+    std::vector<double> expected{2};
     for (int k = 0; k <= 184; ++k)
         expected.push_back(2 + 0.25 * k);
     expected.push_back(2);
     EXPECT_EQ(set_points(sent), expected);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return link.VarNumeric(test_host() + ":DATASTAT:LCTSET") == 2.0; }, TIMEOUT_MS));
+    EXPECT_TRUE(run_until([&] { return link.VarNumeric(test_host() + ":DATASTAT:LCTSET") == 2.0; }));
     find_button(dialog, "Copy To Clipboard")->click();
     const auto stitched = read_columns(std::istringstream(QApplication::clipboard()->text().toStdString()));
     ASSERT_EQ(int(stitched.size()), rows(dialog));
-    QTemporaryDir dir;
-    QProcess dump;
-    dump.start(SONDAR_SIM, {"--dump-spectrum", dir.filePath("truth")});
-    ASSERT_TRUE(dump.waitForFinished(TIMEOUT_MS));
-    const auto truth = read_columns(std::ifstream(dir.filePath("truth").toStdString()));
+    std::stringstream dump;
+    SimSpectrum::Dump(dump);
+    const auto truth = read_columns(std::move(dump));
     // Over 2 to 48 °C, against the truth between its points: the largest error and the correlation.
     double largest = 0, sx = 0, sy = 0, sxx = 0, syy = 0, sxy = 0, n = 0;
     for (const auto& [t, s] : stitched) {
