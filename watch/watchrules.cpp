@@ -7,17 +7,17 @@ bool IsRunTimeHeader(const std::string& name)
 
 bool DataTimeThrottle::Due(double t)
 {
-    if (t >= _last && t - _last < 0.5)
+    if (t - _last < 0.5)
         return false;
     _last = t;
     return true;
 }
 
-bool ClockThrottle::Due(Clock::time_point now)
+bool ClockThrottle::Due(const QTime& now)
 {
-    if (_next && now < *_next)
+    if (_next.isValid() && now < _next)
         return false;
-    _next = now + std::chrono::milliseconds(200);
+    _next = now.addMSecs(200);
     return true;
 }
 

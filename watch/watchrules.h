@@ -3,17 +3,16 @@
 // repaints, and the text their I/O console sends; plain values, apart from any widget.
 
 #include <QString>
+#include <QTime>
 
-#include <chrono>
-#include <optional>
 #include <string>
 
 /// Whether a header that an instrument announces makes a new pair of columns: 6 characters or
 /// more, ending in "H", and not "DATACLOCKH" (the clock record has a line of its own).
 bool IsRunTimeHeader(const std::string& name);
 
-/// Refreshes at most once per 0.5 s of the records' own time. A clock set back refreshes at once
-/// and counts from its new time.
+/// Refreshes at most once per 0.5 s of the records' own time. A clock that runs back holds the
+/// refresh until it has caught up.
 class DataTimeThrottle {
 public:
     /// Whether a record of time `t` refreshes; if so, `t` becomes the time of the last refresh.
@@ -24,16 +23,13 @@ private:
 };
 
 /// Refreshes at most once per 200 ms of the computer's clock, whatever times the records carry.
-/// The clock is a monotonic one: a time of day that is set or jumps an hour never holds it.
 class ClockThrottle {
 public:
-    using Clock = std::chrono::steady_clock;
-
-    /// Whether a record that arrives at `now` refreshes.
-    bool Due(Clock::time_point now = Clock::now());
+    /// Whether a record that arrives at time of day `now` refreshes.
+    bool Due(const QTime& now = QTime::currentTime());
 
 private:
-    std::optional<Clock::time_point> _next;
+    QTime _next;
 };
 
 /// Lets a burst of records with one time stamp through together and the next burst only half a

@@ -182,16 +182,6 @@ TEST(WatchModels, HaldenRefreshesOnItsClockAndQuentaOnDataTime)
         }
         EXPECT_TRUE(shows(link, *table, 1, 1, "8", [] { return with_sum("DATA\t100.5\t8\t2\t"); })) << type;
     }
-    // The Quenta's clock set back: shown at once, then paced from the new time.
-    auto window = make_window("quenta", test_host() + "back");
-    Connector& link = window->GetConnector();
-    link.HandleData("DATAH\tTIME\tA\tB\tCHK\n");
-    const std::pair<const char*, const char*> steps[] = {
-        {"DATA\t100\t1\t2\t", "1"}, {"DATA\t40\t9\t2\t", "9"}, {"DATA\t40.3\t10\t2\t", "9"}, {"DATA\t40.5\t11\t2\t", "11"}};
-    for (const auto& [line, shown] : steps) {
-        link.HandleData(with_sum(line));
-        EXPECT_EQ(cell(*window->findChild<MyTableWidget*>(), 1, 1), shown) << line;
-    }
 }
 
 TEST(WatchModels, BremmelPassesABurstAndHoldsTheNextForHalfASecond)
