@@ -5,11 +5,8 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
-#include <csignal>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include "cli/settings.h"
+#include "foundation/signalpipe.h"
 #include "link/connector.h"
 
 namespace {
@@ -18,14 +15,7 @@ namespace {
 // answers to everything sent before it, which makes it a mark in the stream of answers.
 const char* const kMark = "query_cli_mark";
 
-int interrupt_pipe[2] = {-1, -1};
 bool interrupted = false;
-
-void on_signal(int)
-{
-    const char byte = 1;
-    (void)!write(interrupt_pipe[1], &byte, 1);
-}
 
 int remaining(const QElapsedTimer& clock, int ms)
 {
@@ -58,17 +48,14 @@ bool RunUntil(const std::function<bool()>& done, int ms)
 
 void CatchInterrupts()
 {
-    if (socketpair(AF_UNIX, SOCK_STREAM, 0, interrupt_pipe) != 0)
+    const int fd = signal_pipe_for_quit();
+    if (fd < 0)
         return;
-    auto* notifier = new QSocketNotifier(interrupt_pipe[0], QSocketNotifier::Read, QCoreApplication::instance());
+    auto* notifier = new QSocketNotifier(fd, QSocketNotifier::Read, QCoreApplication::instance());
     QObject::connect(notifier, &QSocketNotifier::activated, [notifier] {
-        char byte;
-        (void)!read(interrupt_pipe[0], &byte, 1);
         interrupted = true;
         notifier->setEnabled(false);
     });
-    std::signal(SIGINT, on_signal);
-    std::signal(SIGTERM, on_signal);
 }
 
 bool Interrupted()

@@ -621,12 +621,10 @@ void Connector::OnSocketError(QAbstractSocket::SocketError error)
                       QString("The following error occurred: %1. (%2)").arg(_socket->errorString()).arg(int(error)));
         return;
     }
-    if (_connect_queue.empty()) {
-        if (_dial_failures_shown)
-            message_box()(_parent, title, text);
-    }
-    else
+    if (!_connect_queue.empty())
         _TryConnect();
+    else if (_dial_failures_shown)
+        message_box()(_parent, title, text);
 }
 
 void Connector::OnSocketConnected()

@@ -32,14 +32,10 @@ public:
           _address(instrument.address), _link(Connector::Factory(nullptr, instrument.name, instrument.model)),
           _redialer(*_link)
     {
-        connect(_link.get(), &Connector::Connected, this, [this] {
-            _connected = true;
-            _recorder.Add(Event{_name, now_us(), "connected", _link->ConnectedTo()});
-        });
-        connect(_link.get(), &Connector::Disconnected, this, [this] {
-            _connected = false;
-            _recorder.Add(Event{_name, now_us(), "disconnected", ""});
-        });
+        connect(_link.get(), &Connector::Connected, this,
+                [this] { _recorder.Add(Event{_name, now_us(), "connected", _link->ConnectedTo()}); });
+        connect(_link.get(), &Connector::Disconnected, this,
+                [this] { _recorder.Add(Event{_name, now_us(), "disconnected", ""}); });
         _link->RegisterListener("*H", this);
         _link->RegisterListener("DATAEVENT", this);
         if (_Wants("DATACLOCK"))
@@ -48,7 +44,7 @@ public:
     }
     ~Tap() override { _link->UnRegisterListener(this); }
 
-    bool IsConnected() const { return _connected; }
+    bool IsConnected() const { return _link->IsConnected(); }
 
     /// Another address of the instrument: dialed from now on if it is a better one.
     void Offer(const SocketAddress& address)
@@ -142,7 +138,6 @@ private:
     SocketAddress _address;
     std::shared_ptr<Connector> _link;
     Redialer _redialer;
-    bool _connected = false;
     std::map<std::string, Plan> _plans;
 };
 
